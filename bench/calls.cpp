@@ -1,0 +1,59 @@
+// Makes one kind of call COUNT times over the null core, to be counted by callgrind: `bench_calls CASE COUNT`.
+// The cost of a frame is the difference between its case and the case of the bare core call.
+#include "core_blas.h"
+#include "xkl.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+const int64_t n = 2, one = 1;
+const double alpha = 1;
+double a[4], b[4], c[4];
+char letter[] = "N";
+
+struct measured {
+    const char *name;
+    void (*call)();
+};
+
+const measured cases[] = {
+    {"core_daxpy", [] { xkl_blas_daxpy(&n, &alpha, a, &one, b, &one); }},
+    {"daxpy", [] { daxpy(&n, &alpha, a, &one, b, &one); }},
+    {"core_dgemm",
+     [] { xkl_blas_dgemm(letter, letter, &n, &n, &n, &alpha, a, &n, b, &n, &alpha, c, &n, 1, 1); }},
+    {"dgemm", [] { dgemm(letter, letter, &n, &n, &n, &alpha, a, &n, b, &n, &alpha, c, &n); }},
+    {"core_dgemv", [] { xkl_blas_dgemv(letter, &n, &n, &alpha, a, &n, b, &one, &alpha, c, &one, 1); }},
+    {"dgemv", [] { dgemv(letter, &n, &n, &alpha, a, &n, b, &one, &alpha, c, &one); }},
+    {"core_ddot", [] { xkl_blas_ddot(&n, a, &one, b, &one); }},
+    {"ddot", [] { ddot(&n, a, &one, b, &one); }},
+    {"cblas_dgemm_row",
+     [] {
+         cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2);
+     }},
+    {"cblas_dgemm_column",
+     [] {
+         cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2);
+     }},
+    {"cblas_ddot", [] { cblas_ddot(2, a, 1, b, 1); }},
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc == 3)
+        for (const measured &each : cases)
+            if (std::strcmp(each.name, argv[1]) == 0) {
+                for (long i = std::atol(argv[2]); i > 0; --i)
+                    each.call();
+                return 0;
+            }
+    std::fprintf(stderr, "usage: bench_calls CASE COUNT; cases:");
+    for (const measured &each : cases)
+        std::fprintf(stderr, " %s", each.name);
+    std::fprintf(stderr, "\n");
+    return 1;
+}

@@ -1,0 +1,32 @@
+# The routine tables, and how files are made from them.
+
+set(XKL_SERVICE_TABLES ${PROJECT_SOURCE_DIR}/src/service/service.tbl)
+set(XKL_BLAS_TABLE_NAMES level1 sparse1 level2 level3 batch extensions)
+list(TRANSFORM XKL_BLAS_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/blas/ OUTPUT_VARIABLE XKL_BLAS_TABLES)
+list(TRANSFORM XKL_BLAS_TABLES APPEND .tbl)
+set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
+
+set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sources
+set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
+file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
+
+# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [OPTION text])
+function(xkl_generate output command)
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;OPTION" "TABLES;PROVIDERS")
+  set(words ${command} -o ${output} --tables ${arg_TABLES})
+  if(arg_SHAPES)
+    list(APPEND words --shapes ${arg_SHAPES})
+  endif()
+  if(arg_PROVIDERS)
+    list(APPEND words --providers ${arg_PROVIDERS})
+  endif()
+  if(arg_OPTION)
+    list(APPEND words --option ${arg_OPTION})
+  endif()
+  add_custom_command(
+    OUTPUT ${output}
+    COMMAND tablegen ${words}
+    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS}
+    COMMENT "tablegen ${command}"
+    VERBATIM)
+endfunction()

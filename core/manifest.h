@@ -1,0 +1,29 @@
+// Who serves each core entry: what `xkl info` counts. Filled from the tables by the build.
+#pragma once
+
+#include <cstddef>
+
+namespace xkl::core
+{
+
+enum class provider {
+    none,     // a stand-in that names itself and ends the process
+    openblas, // forwarded to OpenBLAS
+    own       // written in core/
+};
+
+struct manifest_entry {
+    const char *family;
+    const char *entry;
+    provider by;
+};
+
+struct manifest_part {
+    const manifest_entry *entries;
+    std::size_t count;
+};
+
+extern const manifest_part blas_manifest;
+extern const manifest_part service_manifest;
+
+} // namespace xkl::core

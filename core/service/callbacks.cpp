@@ -1,0 +1,79 @@
+#include "service/callbacks.h"
+
+#include "service/service_entries.h"
+
+#include <atomic>
+#include <cstring>
+
+namespace {
+
+// Written by xkl_serv_set_progress_interface: the first link of the caller's progress chain, null before
+// any.
+std::atomic<xkl_progress_handler> progress_interface{nullptr};
+
+// Written by xkl_serv_set_progress: the user's routine at the end of that chain, null for none.
+std::atomic<xkl_progress_handler> user_progress{nullptr};
+
+// True while the user's routine runs on this thread, so that one which calls the chain again does not run
+// for ever.
+thread_local bool in_user_progress = false;
+
+// Written by xkl_serv_set_pardiso_pivot, by users and at the start of every solver call; null before any.
+std::atomic<xkl_pivot_handler> pivot_handler{nullptr};
+
+} // namespace
+
+namespace xkl::core {
+
+bool report_progress(int64_t thread, int64_t step, const char *stage)
+{
+    const xkl_progress_handler handler = progress_interface.load(std::memory_order_relaxed);
+    return (handler ? handler : xkl_serv_default_progress)(&thread, &step, stage,
+                                                           static_cast<int64_t>(std::strlen(stage))) != 0;
+}
+
+bool perturb_pivot(double diagonal, double &pivot, double threshold)
+{
+    const xkl_pivot_handler handler = pivot_handler.load(std::memory_order_relaxed);
+    return (handler ? handler : xkl_serv_default_pardiso_pivot)(&diagonal, &pivot, &threshold) != 0;
+}
+
+} // namespace xkl::core
+
+extern "C" {
+
+void xkl_serv_set_progress_interface(xkl_progress_handler handler)
+{
+    progress_interface.store(handler, std::memory_order_relaxed);
+}
+
+xkl_progress_handler xkl_serv_set_progress(xkl_progress_handler handler)
+{
+    return user_progress.exchange(handler, std::memory_order_acq_rel);
+}
+
+int xkl_serv_default_progress(const int64_t *thread, const int64_t *step, const char *stage, int64_t length)
+{
+    const xkl_progress_handler handler = user_progress.load(std::memory_order_acquire);
+    if (!handler || in_user_progress)
+        return 0;
+    in_user_progress = true;
+    const int stop = handler(thread, step, stage, length);
+    in_user_progress = false;
+    return stop;
+}
+
+xkl_pivot_handler xkl_serv_set_pardiso_pivot(xkl_pivot_handler handler)
+{
+    return pivot_handler.exchange(handler, std::memory_order_acq_rel);
+}
+
+// A pivot within the threshold becomes the threshold with the pivot's sign.
+int xkl_serv_default_pardiso_pivot(const double *, double *pivot, const double *threshold)
+{
+    if (*pivot > *threshold || *pivot < -*threshold)
+        return 0;
+    *pivot = *pivot < 0 ? -*threshold : *threshold;
+    return 1;
+}
+}

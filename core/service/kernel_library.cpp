@@ -1,0 +1,33 @@
+// Opens the kernel library of vector math and statistics.
+#include "service/environment.h"
+#include "service/messages.h"
+#include "service/service_entries.h"
+
+#include <dlfcn.h>
+#include <string>
+
+namespace {
+
+// Beside the core, wherever that was loaded from; XKL_KERNELS names another file.
+std::string kernel_library_file()
+{
+    if (const char *named = xkl::core::environment_value("XKL_KERNELS"))
+        return named;
+    const std::string file = "libxkl_kernels.so";
+    Dl_info core;
+    if (!dladdr(reinterpret_cast<const void *>(&kernel_library_file), &core) || !core.dli_fname)
+        return file;
+    const std::string path = core.dli_fname;
+    return path.substr(0, path.rfind('/') + 1) + file;
+}
+
+} // namespace
+
+// Null when it cannot be opened: the caller prints message 771, whose text then tells the loader's reason.
+extern "C" void *xkl_serv_load_vml(void)
+{
+    void *library = dlopen(kernel_library_file().c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!library)
+        xkl::core::explain_missing_kernel_library(dlerror());
+    return library;
+}

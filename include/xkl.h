@@ -1,0 +1,10 @@
+/* xkl.h: everything that the library offers. Programs may include the families they use instead. */
+#ifndef XKL_H
+#define XKL_H
+
+#include "xkl_blas.h"
+#include "xkl_cblas.h"
+#include "xkl_service.h"
+#include "xkl_types.h"
+
+#endif

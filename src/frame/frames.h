@@ -1,0 +1,6 @@
+// The frames that tables name.
+#pragma once
+
+#include "frame/checked.h"
+#include "frame/through.h"
+#include "frame/traced.h"

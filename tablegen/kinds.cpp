@@ -1,0 +1,235 @@
+#include "kinds.h"
+
+#include <array>
+#include <cctype>
+#include <map>
+#include <set>
+
+namespace tablegen {
+namespace {
+
+const std::map<std::string, std::string> storage_types = {
+    {"int8", "int8_t"},
+    {"uint8", "uint8_t"},
+    {"int16", "int16_t"},
+    {"int32", "int32_t"},
+    {"uint64", "uint64_t"},
+    {"f16", "xkl_f16"},
+    {"bf16", "xkl_bf16"},
+    {"e4m3", "xkl_e4m3"},
+    {"e5m2", "xkl_e5m2"},
+    {"void", "void"},
+    {"char", "char"},
+    {"handle", "void *"},
+    {"xkl_version", "xkl_version"},
+};
+
+const std::set<std::string> letter_kinds = {
+    "c", "i", "e", "l", "t", "r", "z", "r4", "r8", "z4", "z8", "p",  "info", "j",
+    "q", "v", "C", "I", "L", "T", "R", "Z",  "R4", "R8", "Z4", "Z8", "P",
+};
+
+const std::map<std::string, std::string> results = {
+    {"-", "void"},          {"first", "void"},     {"int", "int64_t"}, {"int4", "int32_t"},
+    {"logical", "int64_t"}, {"r4", "float"},       {"r8", "double"},   {"real", ""},
+    {"complex", ""},        {"pointer", "void *"}, {"char", "char"},
+};
+
+bool is_storage(const std::string &kind)
+{
+    return kind.starts_with("*");
+}
+bool is_verbatim(const std::string &kind)
+{
+    return kind.starts_with("=");
+}
+
+char kind_letter(const std::string &kind)
+{
+    return static_cast<char>(std::tolower(kind[0]));
+}
+
+bool is_double(const std::string &kind, char element)
+{
+    return kind.size() == 2 ? kind[1] == '8' : element == 'D' || element == 'Z';
+}
+
+bool is_complex(const std::string &kind, char element)
+{
+    const char letter = kind_letter(kind);
+    return letter == 'z' || ((letter == 't' || letter == 'p') && (element == 'C' || element == 'Z'));
+}
+
+bool is_scalar(const std::string &kind)
+{
+    return std::islower(static_cast<unsigned char>(kind[0]));
+}
+
+std::string constant(const argument &arg)
+{
+    return arg.written ? "" : "const ";
+}
+
+} // namespace
+
+bool kind_exists(const std::string &kind)
+{
+    return letter_kinds.contains(kind) || is_verbatim(kind) ||
+           (is_storage(kind) && storage_types.contains(kind.substr(1)));
+}
+
+bool kind_fits(const std::string &kind, char element)
+{
+    static const std::set<std::string> typed = {"t", "r", "z", "T", "R", "Z", "P"};
+    return element != 0 || !typed.contains(kind);
+}
+
+bool result_exists(const std::string &result)
+{
+    return results.contains(result) || is_verbatim(result);
+}
+
+std::string c_element(const std::string &kind, char element)
+{
+    if (is_storage(kind))
+        return storage_types.at(kind.substr(1));
+    switch (kind_letter(kind)) {
+    case 'c':
+        return "char";
+    case 'i':
+    case 'l':
+        return "int64_t";
+    case 'q':
+        return "size_t";
+    case 'e':
+    case 'j':
+        return "int32_t";
+    default:
+        break;
+    }
+    const bool wide = is_double(kind, element);
+    if (is_complex(kind, element))
+        return wide ? "XKL_Complex16" : "XKL_Complex8";
+    return wide ? "double" : "float";
+}
+
+std::string c_type(const argument &arg, char element)
+{
+    if (is_verbatim(arg.kind))
+        return arg.kind == "=pointer" ? "void *" : arg.kind.substr(1) + " ";
+    if (arg.kind == "v")
+        return arg.written ? "void **" : "void *const *";
+    if (arg.kind == "P")
+        return arg.written ? c_element(arg.kind, element) + " *const *"
+                           : "const " + c_element(arg.kind, element) + " *const *";
+    if (arg.kind == "*handle")
+        return arg.written ? "void **" : "void *const *";
+    if (arg.kind == "info")
+        return "int64_t *";
+    return constant(arg) + c_element(arg.kind, element) + " *";
+}
+
+std::string cblas_type(const argument &arg, char element)
+{
+    if (arg.kind == "c" || arg.kind == "C") {
+        static const std::map<std::string, std::string> enumerations = {
+            {"side", "CBLAS_SIDE"}, {"uplo", "CBLAS_UPLO"}, {"diag", "CBLAS_DIAG"}};
+        const auto found = enumerations.find(arg.name);
+        const std::string type = found == enumerations.end() ? "CBLAS_TRANSPOSE" : found->second;
+        return arg.kind == "c" ? type + " " : "const " + type + " *";
+    }
+    if (arg.kind == "i")
+        return "int64_t ";
+    if (is_complex(arg.kind, element))
+        return arg.kind == "P" ? (arg.written ? "void *const *" : "const void *const *")
+                               : constant(arg) + "void *";
+    if (is_scalar(arg.kind) && !arg.written)
+        return c_element(arg.kind, element) + " ";
+    return c_type(arg, element);
+}
+
+std::string c_result(const routine &row)
+{
+    if (is_verbatim(row.result))
+        return row.result.substr(1);
+    if (row.result == "real")
+        return c_element("r", row.element);
+    if (row.result == "complex")
+        return c_element("z", row.element);
+    return results.at(row.result);
+}
+
+char trace_kind(const argument &arg, bool group)
+{
+    const std::string &kind = arg.kind;
+    if (kind == "c" || (group && kind == "C"))
+        return 'c';
+    if (kind == "i" || kind == "l" || kind == "info" || (group && kind == "I"))
+        return 'i';
+    return kind == "e" ? 'e' : 'p';
+}
+
+std::string trace_conversion(char trace_kind)
+{
+    return trace_kind == 'c' ? "%c" : trace_kind == 'p' ? "%p" : "%lli";
+}
+
+bool is_character(const argument &arg)
+{
+    return arg.kind == "c" || arg.kind == "C";
+}
+
+std::string value_type(const argument &arg)
+{
+    return arg.kind == "j" ? "int32_t " : arg.kind == "q" ? "size_t " : "void *";
+}
+
+bool is_service_value(const argument &arg)
+{
+    return arg.kind == "j" || arg.kind == "q" || arg.kind == "v";
+}
+
+std::string fortran_declaration(const argument &arg, char element, std::string &shape)
+{
+    const std::string intent = arg.written ? ", intent(inout) :: " : ", intent(in) :: ";
+    const bool array = !is_scalar(arg.kind) && arg.kind != "*handle";
+    shape = array ? "(*)" : "";
+    if (is_storage(arg.kind)) {
+        static const std::map<std::string, std::string> types = {
+            {"*int8", "integer(1)"},  {"*uint8", "integer(1)"}, {"*int16", "integer(2)"},
+            {"*int32", "integer(4)"}, {"*f16", "integer(2)"},   {"*bf16", "integer(2)"},
+            {"*e4m3", "integer(1)"},  {"*e5m2", "integer(1)"},  {"*void", "integer(1)"},
+            {"*handle", "integer(8)"}};
+        return types.at(arg.kind) + intent;
+    }
+    if (arg.kind == "P")
+        return "integer(8), intent(in) :: "; // addresses: what is behind them is written, not they
+    switch (kind_letter(arg.kind)) {
+    case 'c':
+        return "character" + intent;
+    case 'i':
+        return "integer(8)" + intent;
+    case 'l':
+        return "logical(8)" + intent;
+    case 'e':
+        return "integer(4)" + intent;
+    default:
+        break;
+    }
+    const std::string width = is_double(arg.kind, element) ? "(8)" : "(4)";
+    return (is_complex(arg.kind, element) ? "complex" : "real") + width + intent;
+}
+
+std::string fortran_result(const routine &row)
+{
+    if (row.result == "int" || row.result == "pointer")
+        return "integer(8)";
+    if (row.result == "logical")
+        return "logical(8)";
+    if (row.result == "r4" || row.result == "r8")
+        return row.result == "r4" ? "real(4)" : "real(8)";
+    const std::string width = row.element == 'D' || row.element == 'Z' ? "(8)" : "(4)";
+    return (row.result == "real" ? "real" : "complex") + width;
+}
+
+} // namespace tablegen

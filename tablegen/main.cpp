@@ -1,0 +1,157 @@
+// tablegen: reads routine tables and prints one file. Errors are `file:line: message`, exit code 1.
+#include "names.h"
+#include "printers.h"
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <set>
+#include <sstream>
+
+using namespace tablegen;
+
+namespace {
+
+const char usage[] =
+    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--option TEXT]
+commands:
+  frames         bodies and checkers under every spelling   (--option: header of the family's checks)
+  frame-header   bodies and checkers, declared
+  forwarders     service forwarders
+  shapes         the C interface's bodies                   (--shapes)
+  companion, companion-exports  complex functions as values, for gfortran
+  c-header       public C prototypes                        (--option: name of the header)
+  cblas-header   public prototypes of the C interface       (--shapes)
+  fortran        a Fortran module of explicit interfaces
+  core-header    prototypes of the core's entries
+  core-forwards  the default core's forwards and stand-ins  (--providers)
+  core-manifest  who serves each core entry                 (--providers)
+  null-core, recording-core   cores for measurements and tests
+  exports, version-script     exported names                (--shapes, if any)
+  test-rows, cblas-test-rows  what table-driven tests walk
+  show           one routine as it is printed               (--option: its name, in upper case)
+  formats        the trace format of every routine
+)";
+
+struct request {
+    std::string command, output, shapes, option;
+    std::vector<std::string> tables, providers;
+};
+
+request parse(int argc, char **argv)
+{
+    request asked;
+    if (argc < 2)
+        throw table_error(usage);
+    asked.command = argv[1];
+    std::string option;
+    for (int i = 2; i < argc; ++i) {
+        const std::string word = argv[i];
+        if (word.starts_with("-"))
+            option = word;
+        else if (option == "-o")
+            asked.output = word;
+        else if (option == "--tables")
+            asked.tables.push_back(word);
+        else if (option == "--providers")
+            asked.providers.push_back(word);
+        else if (option == "--shapes")
+            asked.shapes = word;
+        else if (option == "--option")
+            asked.option = word;
+        else
+            throw table_error("unknown option `" + option + "`\n" + usage);
+    }
+    return asked;
+}
+
+void show(std::ostream &out, const routines &rows, const std::string &name)
+{
+    const auto found =
+        std::find_if(rows.begin(), rows.end(), [&](const routine &row) { return row.name == name; });
+    if (found == rows.end())
+        throw table_error("no table has the routine `" + name + "`; names are in upper case");
+    if (found->family == "service")
+        print_forwarders(out, {*found});
+    else
+        print_frames(out, {*found}, found->family + "/checks.h");
+}
+
+void run(const request &asked, std::ostream &out)
+{
+    const routines rows = read_tables(asked.tables);
+    if (rows.empty())
+        throw table_error("no rows: name at least one table behind --tables");
+    const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
+    const auto providers = read_providers(asked.providers, rows);
+    const std::map<std::string, std::function<void()>> commands = {
+        {"frames", [&] { print_frames(out, rows, asked.option); }},
+        {"frame-header", [&] { print_frame_header(out, rows); }},
+        {"forwarders", [&] { print_forwarders(out, rows); }},
+        {"shapes", [&] { print_shapes(out, shapes); }},
+        {"companion", [&] { print_companion(out, rows); }},
+        {"companion-exports", [&] { print_companion_exports(out, rows); }},
+        {"c-header", [&] { print_c_header(out, rows, asked.option); }},
+        {"cblas-header", [&] { print_cblas_header(out, shapes); }},
+        {"fortran", [&] { print_fortran_module(out, rows); }},
+        {"core-header", [&] { print_core_header(out, rows); }},
+        {"core-forwards", [&] { print_core_forwards(out, rows, providers); }},
+        {"core-manifest", [&] { print_core_manifest(out, rows, providers); }},
+        {"null-core", [&] { print_null_core(out, rows); }},
+        {"recording-core", [&] { print_recording_core(out, rows); }},
+        {"exports", [&] { print_exports(out, rows, shapes); }},
+        {"version-script", [&] { print_version_script(out, rows, shapes); }},
+        {"test-rows", [&] { print_test_rows(out, rows); }},
+        {"cblas-test-rows", [&] { print_cblas_test_rows(out, shapes); }},
+        {"show", [&] { show(out, rows, asked.option); }},
+        {"formats",
+         [&] {
+             for (const routine &row : rows)
+                 out << trace_format(row) << "\n";
+         }},
+    };
+    const auto command = commands.find(asked.command);
+    if (command == commands.end())
+        throw table_error("unknown command `" + asked.command + "`\n" + usage);
+    static const std::set<std::string> plain_text = {
+        "exports", "version-script", "fortran",      "formats",
+        "show",    "c-header",       "cblas-header", "companion-exports"};
+    if (!plain_text.contains(asked.command))
+        out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
+    command->second();
+}
+
+/// A file that would not change keeps its time, and what depends on it is not built again.
+void write_if_changed(const std::string &path, const std::string &text)
+{
+    std::ostringstream present;
+    if (std::ifstream file(path); file)
+        present << file.rdbuf();
+    if (!text.empty() && present.str() == text)
+        return;
+    std::ofstream file(path);
+    file << text;
+    file.close();
+    if (!file)
+        throw table_error(path + ": can't be written; is the folder there and the disk not full?");
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+try {
+    const request asked = parse(argc, argv);
+    std::ostringstream text; // whole or not at all: a failed run leaves no half-written file behind
+    run(asked, text);
+    if (asked.output.empty()) {
+        std::cout << text.str();
+        return 0;
+    }
+    write_if_changed(asked.output, text.str());
+    return 0;
+} catch (const std::exception &error) {
+    std::cerr << error.what() << "\n";
+    return 1;
+}

@@ -1,0 +1,147 @@
+// Everything about core entries: prototypes, the default core's forwards, stand-ins and manifest, and the
+// two small cores that stand in its place: one that records what reaches it (tests) and one that does
+// nothing (measurements).
+#include "kinds.h"
+#include "names.h"
+#include "printers.h"
+
+#include <map>
+#include <ostream>
+#include <set>
+
+namespace tablegen {
+namespace {
+
+const std::string *provider_of(const routine &row, const std::vector<provider> &providers)
+{
+    for (const provider &each : providers)
+        if (each.name == row.name)
+            return &each.by;
+    return nullptr;
+}
+
+/// The rows that stand for a core entry, each entry once: several forwarders may share one.
+routines with_entries(const routines &rows)
+{
+    routines chosen;
+    std::set<std::string> seen;
+    for (const routine &row : rows)
+        if (row.frame.kind != "own" && seen.insert(core_entry(row)).second)
+            chosen.push_back(row);
+    return chosen;
+}
+
+std::string entry_parameters(const routine &row)
+{
+    if (row.family != "service")
+        return core_parameter_list(row);
+    std::string text;
+    for (const argument &each : row.arguments)
+        text += (text.empty() ? "" : ", ") +
+                (is_service_value(each) ? value_type(each) : c_type(each, row.element)) + each.name;
+    return text.empty() ? "void" : text;
+}
+
+/// The arguments of an entry, hidden lengths included.
+std::vector<argument> core_arguments(const routine &row)
+{
+    std::vector<argument> arguments = all_arguments(row);
+    for (const argument &each : row.arguments)
+        if (is_character(each))
+            arguments.push_back({"length_" + each.name, "=int64_t", false});
+    return arguments;
+}
+
+int entry_words(const routine &row)
+{
+    return static_cast<int>(all_arguments(row).size()) + (row.frame.group ? 1 : 0) + hidden_lengths(row);
+}
+
+} // namespace
+
+void print_core_header(std::ostream &out, const routines &rows)
+{
+    out << "// Generated from " << rows.front().family
+        << "'s tables: what the interface library imports from its core.\n"
+        << "#pragma once\n#include \"xkl_types.h\"\n#pragma GCC visibility push(default)\nextern \"C\" {\n";
+    for (const routine &row : with_entries(rows))
+        out << c_result(row) << " " << core_entry(row) << "(" << entry_parameters(row) << ");\n";
+    out << "}\n#pragma GCC visibility pop\n";
+}
+
+void print_core_forwards(std::ostream &out, const routines &rows, const std::vector<provider> &providers)
+{
+    out << "#include \"core_" << rows.front().family << ".h\"\n#include \"openblas/forward.h\"\n"
+        << "#include \"service/missing_entry.h\"\n";
+    for (const routine &row : rows) {
+        const std::string *by = provider_of(row, providers);
+        if (by && *by == "own")
+            continue;
+        const std::string result = c_result(row);
+        out << "\n// " << row.name << ": " << row.place << "\n";
+        if (!by) {
+            out << "extern \"C\" " << result << " " << core_entry(row) << "("
+                << core_parameter_list(row, false) << ")\n{\n    xkl_core_missing_entry(\""
+                << core_entry(row) << "\");\n}\n";
+            continue;
+        }
+        const std::string kernel = row.lower() + "_";
+        out << "extern \"C\" " << result << " " << kernel << "(" << core_parameter_list(row) << ");\n"
+            << "extern \"C\" " << result << " " << core_entry(row) << "(" << core_parameter_list(row)
+            << ")\n{\n"
+            << "    return xkl::core::on_openblas<" << kernel << ">(" << argument_names(core_arguments(row))
+            << ");\n}\n";
+    }
+}
+
+void print_core_manifest(std::ostream &out, const routines &rows, const std::vector<provider> &providers)
+{
+    out << "#include \"manifest.h\"\n\nnamespace xkl::core {\nnamespace {\nconst manifest_entry "
+           "entries[] "
+           "= {\n";
+    const routines entries = with_entries(rows);
+    for (const routine &row : entries) {
+        const std::string *by = provider_of(row, providers);
+        const bool service = row.family == "service"; // all written in core/service
+        out << "    {\"" << row.family << "\", \"" << core_entry(row) << "\", provider::"
+            << (service ? "own"
+                : by    ? *by
+                        : "none")
+            << "},\n";
+    }
+    out << "};\n}\nconst manifest_part " << rows.front().family << "_manifest = {entries, "
+        << entries.size() << "};\n}\n";
+}
+
+void print_null_core(std::ostream &out, const routines &rows)
+{
+    for (const routine &row : with_entries(rows))
+        out << "__attribute__((weak)) void " << core_entry(row) << "(void) {}\n";
+}
+
+void print_recording_core(std::ostream &out, const routines &rows)
+{
+    out << "#include \"recorder.h\"\n\nextern \"C\" {\n";
+    for (const routine &row : with_entries(rows)) {
+        const int words = entry_words(row);
+        // Addresses come back as the integers that they are.
+        const bool address = row.result.starts_with("=") || row.result == "pointer";
+        const std::string result = address ? "int64_t" : c_result(row);
+        // Weak, so that the entries that the tests' core implements itself win.
+        out << "[[gnu::weak]] " << result << " " << core_entry(row) << "(";
+        for (int i = 0; i < words; ++i)
+            out << (i ? ", " : "") << "int64_t a" << i;
+        out << ")\n{\n    record(\"" << core_entry(row) << "\", {";
+        for (int i = 0; i < words; ++i)
+            out << (i ? ", a" : "a") << i;
+        out << "});\n";
+        if (result == "float" || result == "double")
+            out << "    return static_cast<" << result << ">(recorded_real());\n";
+        else if (result != "void")
+            out << "    return recorded_integer();\n";
+        out << "}\n";
+    }
+    out << "}\n";
+}
+
+} // namespace tablegen

@@ -1,0 +1,127 @@
+// The C headers. A routine's public spellings share one function type, so that its arguments are written
+// once.
+#include "kinds.h"
+#include "names.h"
+#include "printers.h"
+
+#include <algorithm>
+#include <ostream>
+
+namespace tablegen {
+namespace {
+
+void print_spellings(std::ostream &out, const routine &row, const std::vector<std::string> &names)
+{
+    out << "typedef " << c_result(row) << (c_result(row).ends_with('*') ? "" : " ") << "xkl_type_"
+        << row.lower() << "(" << parameter_list(row) << ");\nextern xkl_type_" << row.lower();
+    for (const std::string &name : names)
+        out << (name == names.front() ? " " : ", ") << name;
+    out << ";\n";
+}
+
+std::string value_parameters(const routine &row)
+{
+    std::string text;
+    for (const argument &each : row.arguments) {
+        const std::string type = is_service_value(each) ? value_type(each) : c_type(each, row.element);
+        text += (text.empty() ? "" : ", ") + type + each.name;
+    }
+    return text.empty() ? "void" : text;
+}
+
+/// The mixed-case spelling first where it is the same function: it is the one that C programs use.
+std::vector<std::string> service_spellings(const routine &row)
+{
+    std::vector<std::string> names = {body_symbol(row)};
+    for (const std::string &name : other_spellings(row))
+        names.push_back(name);
+    std::stable_partition(names.begin(), names.end(), [&](const std::string &name) {
+        return name != to_lower(name) && name != row.name && name.starts_with("XKL_");
+    });
+    return names;
+}
+
+void print_service(std::ostream &out, const routine &row)
+{
+    if (!mixed_body(row).empty())
+        out << c_result(row) << " " << mixed_body(row) << "(" << value_parameters(row) << ");\n";
+    if (row.frame.kind != "forward-mixed")
+        print_spellings(out, row, service_spellings(row));
+}
+
+std::string guard_of(std::string header)
+{
+    std::replace(header.begin(), header.end(), '.', '_');
+    std::transform(header.begin(), header.end(), header.begin(),
+                   [](unsigned char c) { return std::toupper(c); });
+    return header;
+}
+
+void print_prologue(std::ostream &out, const std::string &header, const std::string &text)
+{
+    out << "/* " << header << ": " << text << " */\n#ifndef " << guard_of(header) << "\n#define "
+        << guard_of(header)
+        << "\n\n#include \"xkl_types.h\"\n\n#ifdef __cplusplus\nextern \"C\" {\n#endif\n";
+}
+
+void print_epilogue(std::ostream &out)
+{
+    out << "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
+}
+
+const char blas_text[] =
+    "the Fortran interface of BLAS and its extensions, as C sees it.\n"
+    "   Every argument goes by address; characters are read as one letter in either case and\n"
+    "   their hidden lengths may be left out. Integers are 64-bit. Matrices are column-major:\n"
+    "   element (i,j) of a, from 0, is a[i + j*lda]. A negative increment walks its vector from\n"
+    "   the end. A bad argument is reported to xerbla with the routine's name and the argument's\n"
+    "   place in the list, from 1; nothing is then written. The complex dot products put their\n"
+    "   result at the address that leads their list";
+const char service_text[] =
+    "the library's own controls: version, threads, memory, tracing, reproducible\n"
+    "   results, callbacks. Upper- and lower-case spellings are for Fortran and read values through\n"
+    "   addresses; mixed-case spellings are for C and take values";
+
+} // namespace
+
+void print_c_header(std::ostream &out, const routines &rows, const std::string &header)
+{
+    const bool service = rows.front().family == "service";
+    print_prologue(out, header, service ? service_text : blas_text);
+    std::string about;
+    for (const routine &row : rows) {
+        if (row.about != about)
+            out << "\n/** " << row.about << " */\n";
+        about = row.about;
+        if (service)
+            print_service(out, row);
+        else
+            print_spellings(out, row, public_spellings(row));
+    }
+    print_epilogue(out);
+}
+
+void print_cblas_header(std::ostream &out, const std::vector<shaped> &rows)
+{
+    print_prologue(out, "xkl_cblas.h",
+                   "the C interface of BLAS. Sizes, increments and leading dimensions are 64-bit\n"
+                   "   values, real scalars values, complex scalars addresses. With CblasRowMajor, element "
+                   "(i,j) of a,\n"
+                   "   from 0, is a[i*lda + j], so lda is at least the number of columns. A bad argument "
+                   "is reported to\n"
+                   "   cblas_xerbla with the routine's name and the argument's place in the C list, from "
+                   "1. The names\n"
+                   "   ending in _64 are the same routines");
+    std::string about;
+    for (const shaped &row : rows) {
+        if (row.base->about != about)
+            out << "\n/** " << row.base->about << " */\n";
+        about = row.base->about;
+        for (const std::string suffix : {"", "_64"})
+            out << c_result(*row.base) << " " << cblas_name(row) << suffix << "("
+                << cblas_parameter_list(row) << ");\n";
+    }
+    print_epilogue(out);
+}
+
+} // namespace tablegen

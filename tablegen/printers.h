@@ -1,0 +1,50 @@
+// What the generator can print. Each printer writes one kind of file and holds no rule of a family: it
+// prints names, types and calls, and what the calls do stands in the templates under src/.
+#pragma once
+
+#include "table.h"
+
+#include <iosfwd>
+
+namespace tablegen {
+
+using routines = std::vector<routine>;
+
+// Interface library.
+void print_frames(std::ostream &out, const routines &rows, const std::string &checks_header);
+void print_frame_header(std::ostream &out, const routines &rows);
+void print_forwarders(std::ostream &out, const routines &rows);
+void print_shapes(std::ostream &out, const std::vector<shaped> &rows);
+void print_companion(std::ostream &out, const routines &rows);
+void print_companion_exports(std::ostream &out, const routines &rows);
+
+// What a user's program compiles against.
+void print_c_header(std::ostream &out, const routines &rows, const std::string &header);
+void print_cblas_header(std::ostream &out, const std::vector<shaped> &rows);
+void print_fortran_module(std::ostream &out, const routines &rows);
+
+// Cores: the entries' prototypes, the default core's forwards and stand-ins, and two cores for tests and
+// measurements.
+void print_core_header(std::ostream &out, const routines &rows);
+void print_core_forwards(std::ostream &out, const routines &rows, const std::vector<provider> &providers);
+void print_core_manifest(std::ostream &out, const routines &rows, const std::vector<provider> &providers);
+void print_null_core(std::ostream &out, const routines &rows);
+void print_recording_core(std::ostream &out, const routines &rows);
+
+// Lists.
+void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes);
+void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes);
+void print_test_rows(std::ostream &out, const routines &rows);
+void print_cblas_test_rows(std::ostream &out, const std::vector<shaped> &rows);
+
+// Shared by the printers.
+std::string parameter_list(const routine &row); // const char *transa, ...
+std::string core_parameter_list(const routine &row,
+                                bool named = true);            // with the trailing 0 and hidden lengths
+std::string argument_names(const std::vector<argument> &args); // transa, ...
+std::string cblas_name(const shaped &row);
+std::vector<argument> cblas_arguments(const shaped &row);
+std::string cblas_parameter_list(const shaped &row);
+std::string quoted(const std::string &text);
+
+} // namespace tablegen

@@ -1,0 +1,73 @@
+// The data model of a routine table: what one row says, and the routines it stands for. tablegen/README.md
+// is the grammar for people; this file and table.cpp are the grammar for the build.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace tablegen {
+
+/// A mistake in a table. The message starts with the file and line of the row, so that editors can jump to
+/// it.
+struct table_error : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// One `name:kind` of a row. Kinds are listed in tablegen/README.md.
+struct argument {
+    std::string name;
+    std::string kind;
+    bool written = false; // the routine stores through this address (`!` in the row)
+};
+
+/// What follows the name and the types in a row: `checked-group:gemm_batch/bare`.
+struct frame_spec {
+    std::string kind;   // checked, traced, through, forward, own, or a shape of the C interface
+    bool group = false; // group batch: one value a group, and a trailing 0 to checker and core
+    std::string rule;   // the checker's rule, or the step that a forwarder takes first
+    std::string option; // `bare`: reported without trailing blank; forwarders: the mixed-case name
+};
+
+/// One routine in one type: what the generator prints from.
+struct routine {
+    std::string
+        name; // upper case as the Fortran standard writes it: DGEMM; service rows keep their own case
+    char element = 0; // S, D, C, Z, or 0 for a routine without type
+    frame_spec frame;
+    std::string result;    // `-`, int, real, first...
+    int failed_result = 0; // what a function returns after a failed check
+    std::vector<argument> arguments;
+    std::string family;    // blas
+    std::string spellings; // blas, extension, direct, service...
+    std::string about;     // one sentence for the public header
+    std::string place;     // file:line of the row
+
+    std::string lower() const;
+    bool has_result() const { return result != "-" && result != "first"; }
+};
+
+/// All routines of the given tables, in the order of the rows and of their types.
+std::vector<routine> read_tables(const std::vector<std::string> &files);
+
+/// A row of the C interface: a shape over a routine of another table.
+struct shaped {
+    std::string shape;
+    const routine *base;
+    std::string place;
+};
+
+/// Rows `name types shape` of a C interface table, resolved against the routines they stand on.
+std::vector<shaped> read_shapes(const std::string &file, const std::vector<routine> &base);
+
+/// Who serves a core entry in the default core. Entries that no row names are stand-ins.
+struct provider {
+    std::string name; // upper-case routine name
+    std::string by;   // openblas: forwarded to the Fortran routine of that name; own: written in core/
+};
+std::vector<provider> read_providers(const std::vector<std::string> &files,
+                                     const std::vector<routine> &base);
+
+std::string to_lower(std::string text);
+
+} // namespace tablegen

@@ -1,0 +1,249 @@
+// Compact routines: packed, computed on and taken apart, they must give what plain matrices give, for every
+// format, layout and option, and for numbers of matrices that leave lanes empty.
+#include "blas_reference.h"
+
+#include "service/service_entries.h"
+
+#include <tuple>
+
+namespace {
+using namespace blas_test;
+
+BLAS_ENTRY(xkl_, gemm_compact);
+BLAS_ENTRY(xkl_, trsm_compact);
+BLAS_ENTRY(xkl_, gepack_compact);
+BLAS_ENTRY(xkl_, geunpack_compact);
+
+constexpr int32_t layouts[] = {CblasColMajor, CblasRowMajor},
+                  formats[] = {XKL_COMPACT_128, XKL_COMPACT_256, XKL_COMPACT_512};
+constexpr int32_t transpositions[] = {CblasNoTrans, CblasTrans, CblasConjTrans};
+
+char letter(int32_t trans)
+{
+    return "NTC"[trans - CblasNoTrans];
+}
+
+/// nm matrices, m by n, in the routine's layout: a row-major matrix is kept as its transpose
+template <class T>
+struct family {
+    int32_t layout, format;
+    int64_t m, n, nm, ld;
+    std::vector<matrix<T>> stored;
+
+    family(int32_t in_layout, int32_t in_format, int64_t rows, int64_t columns, int64_t count)
+        : layout(in_layout), format(in_format), m(rows), n(columns), nm(count)
+    {
+        for (int64_t i = 0; i < nm; ++i)
+            stored.push_back(layout == CblasColMajor ? matrix<T>(m, n) : matrix<T>(n, m));
+        ld = (layout == CblasColMajor ? m : n) + 1;
+    }
+
+    T &at(int64_t matrix, int64_t i, int64_t j)
+    {
+        return layout == CblasColMajor ? stored[matrix](i, j) : stored[matrix](j, i);
+    }
+    /// Matrix i, by columns
+    matrix<T> plain(int64_t i)
+    {
+        matrix<T> turned(m, n);
+        for (int64_t v = 0; v < n; ++v)
+            for (int64_t u = 0; u < m; ++u)
+                turned(u, v) = at(i, u, v);
+        return turned;
+    }
+    std::vector<T *> addresses()
+    {
+        std::vector<T *> each;
+        for (matrix<T> &one : stored)
+            each.push_back(one.data());
+        return each;
+    }
+
+    /// A canary stands behind the end that xkl_compact_size gives.
+    std::vector<real_of<T>> packed()
+    {
+        const int64_t across = layout == CblasColMajor ? n : m;
+        std::vector<real_of<T>> place(
+            xkl_compact_size(ld, across, format, nm, sizeof(real_of<T>), is_complex<T> ? 2 : 1) + 1, -77);
+        const std::vector<T *> from = addresses();
+        xkl_gepack_compact<T>(&layout, &m, &n, from.data(), &stored[0].ld, place.data(), &ld, &format, &nm);
+        EXPECT_EQ(place.back(), -77);
+        return place;
+    }
+    void unpack(const std::vector<real_of<T>> &place)
+    {
+        const std::vector<T *> to = addresses();
+        EXPECT_EQ(place.back(), -77);
+        xkl_geunpack_compact<T>(&layout, &m, &n, to.data(), &stored[0].ld, place.data(), &ld, &format, &nm);
+        for (const matrix<T> &each : stored)
+            EXPECT_TRUE(each.padding_is_whole());
+    }
+};
+
+template <class T>
+struct compact : ::testing::Test {
+    const T alpha = scalar<T>(1.25, -.5), beta = scalar<T>(-.5, .75);
+    static constexpr real_of<T> nan = std::numeric_limits<real_of<T>>::quiet_NaN();
+};
+TYPED_TEST_SUITE(compact, all_types);
+
+TYPED_TEST(compact, lanes_are_neighbours)
+{
+    using T = TypeParam;
+    family<T> all(CblasColMajor, XKL_COMPACT_256, 3, 2, 3);
+    const std::vector<real_of<T>> place = all.packed();
+    const int64_t lanes = 32 / sizeof(real_of<T>), parts = is_complex<T> ? 2 : 1;
+    for (int64_t i = 0; i < all.nm; ++i) {
+        EXPECT_EQ(place[(1 * all.ld + 2) * lanes * parts + i], std::real(all.at(i, 2, 1)));
+        if (is_complex<T>) {
+            EXPECT_EQ(place[(1 * all.ld + 2) * lanes * parts + lanes + i], std::imag(all.at(i, 2, 1)));
+        }
+    }
+}
+
+TYPED_TEST(compact, products)
+{
+    using T = TypeParam;
+    for (const int32_t format : formats)
+        for (const int32_t layout : layouts)
+            for (const int32_t transa : transpositions)
+                for (const int32_t transb : transpositions)
+                    for (const auto &[m, n, k, nm] :
+                         {std::tuple<int64_t, int64_t, int64_t, int64_t>{1, 1, 1, 1},
+                          {5, 3, 4, 17},
+                          {4, 2, 0, 3}}) {
+                        const bool a_stands = transa == CblasNoTrans, b_stands = transb == CblasNoTrans;
+                        const T beta = k == 4 ? this->beta : T(0);
+                        family<T> a(layout, format, a_stands ? m : k, a_stands ? k : m, nm);
+                        family<T> b(layout, format, b_stands ? k : n, b_stands ? n : k, nm);
+                        family<T> c(layout, format, m, n, nm), old = c;
+                        auto result = c.packed();
+                        if (beta == T(0))
+                            std::fill(result.begin(), result.end() - 1, this->nan);
+                        xkl_gemm_compact<T>(&layout, &transa, &transb, &m, &n, &k, &this->alpha,
+                                            a.packed().data(), &a.ld, b.packed().data(), &b.ld, &beta,
+                                            result.data(), &c.ld, &format, &nm);
+                        c.unpack(result);
+                        for (int64_t each = 0; each < nm; ++each) {
+                            const matrix<T> left = a.plain(each), right = b.plain(each);
+                            expect_matrix(c.plain(each), 2 * k, "product", [&](int64_t i, int64_t j) {
+                                const wide product = inner(
+                                    k, [&](int64_t p) { return op(left, letter(transa), i, p); },
+                                    [&](int64_t p) { return op(right, letter(transb), p, j); });
+                                return widen(this->alpha) * product +
+                                       widen(beta) * widen(old.at(each, i, j));
+                            });
+                        }
+                    }
+}
+
+/// The solution, checked by multiplying back: op(A)*X or X*op(A) is alpha*B.
+TYPED_TEST(compact, solutions)
+{
+    using T = TypeParam;
+    const int64_t m = 5, n = 6, nm = 19;
+    for (const int32_t format : formats)
+        for (const int32_t layout : layouts)
+            for (const int32_t side : {CblasLeft, CblasRight})
+                for (const int32_t uplo : {CblasUpper, CblasLower})
+                    for (const int32_t trans : transpositions)
+                        for (const int32_t diag : {CblasNonUnit, CblasUnit}) {
+                            const int64_t order = side == CblasLeft ? m : n;
+                            family<T> a(layout, format, order, order, nm), b(layout, format, m, n, nm),
+                                old = b;
+                            for (int64_t each = 0; each < nm; ++each)
+                                for (int64_t i = 0; i < order; ++i)
+                                    a.at(each, i, i) += T(2);
+                            auto x = b.packed();
+                            xkl_trsm_compact<T>(&layout, &side, &uplo, &trans, &diag, &m, &n, &this->alpha,
+                                                a.packed().data(), &a.ld, x.data(), &b.ld, &format, &nm);
+                            b.unpack(x);
+                            for (int64_t each = 0; each < nm; ++each) {
+                                const matrix<T> factor =
+                                    triangle(a.plain(each), uplo == CblasUpper ? 'U' : 'L',
+                                             diag == CblasUnit ? 'U' : 'N');
+                                const matrix<T> solution = b.plain(each);
+                                for (int64_t j = 0; j < n; ++j)
+                                    for (int64_t i = 0; i < m; ++i) {
+                                        const wide back = inner(
+                                            order,
+                                            [&](int64_t p) {
+                                                return side == CblasLeft ? op(factor, letter(trans), i, p)
+                                                                         : widen(solution(i, p));
+                                            },
+                                            [&](int64_t p) {
+                                                return side == CblasLeft ? widen(solution(p, j))
+                                                                         : op(factor, letter(trans), p, j);
+                                            });
+                                        expect_close(scalar<T>(back.real(), back.imag()),
+                                                     widen(this->alpha) * widen(old.at(each, i, j)), 200,
+                                                     "solution");
+                                    }
+                            }
+                        }
+}
+
+TYPED_TEST(compact, a_diagonal_near_the_range_divides)
+{
+    using T = TypeParam;
+    const auto large = std::numeric_limits<real_of<T>>::max() / 4;
+    const int64_t one = 1;
+    for (const int32_t format : formats)
+        for (const auto size : {large, 1 / large}) {
+            family<T> a(CblasColMajor, format, 1, 1, 1), b = a;
+            a.at(0, 0, 0) = scalar<T>(1, 1) * T(size);
+            b.at(0, 0, 0) = scalar<T>(2, -2) * T(size);
+            auto x = b.packed();
+            const int32_t options[] = {CblasColMajor, CblasLeft, CblasUpper, CblasNoTrans, CblasNonUnit};
+            const T alpha = 1;
+            xkl_trsm_compact<T>(options, options + 1, options + 2, options + 3, options + 4, &one, &one,
+                                &alpha, a.packed().data(), &a.ld, x.data(), &b.ld, &format, &one);
+            b.unpack(x);
+            expect_close(b.at(0, 0, 0), is_complex<T> ? wide(0, -2) : wide(2), 4, "quotient");
+        }
+}
+
+// Written by the handler in the test below.
+std::string refused_name;
+int64_t refused_position;
+
+TYPED_TEST(compact, unknown_options_are_refused_and_empty_ones_pass)
+{
+    using T = TypeParam;
+    xkl_serv_set_xerbla_interface([](const char *name, const int64_t *position, int64_t length) {
+        refused_name.assign(name, length);
+        refused_position = *position;
+    });
+    const int32_t layout = CblasColMajor, side = CblasLeft, uplo = CblasUpper, trans = CblasNoTrans,
+                  diag = CblasNonUnit, format = XKL_COMPACT_128, wrong = 0;
+    const int64_t one = 1, none = -1;
+    xkl_gemm_compact<T>(&layout, &trans, &wrong, &one, &one, &one, &this->alpha, nullptr, &one, nullptr,
+                        &one, &this->beta, nullptr, &one, &format, &one);
+    EXPECT_EQ(refused_position, 3);
+    EXPECT_EQ(refused_name, (pick<T>("XKL_SGEMM_COMPACT ", "XKL_DGEMM_COMPACT ", "XKL_CGEMM_COMPACT ",
+                                     "XKL_ZGEMM_COMPACT ")));
+    xkl_trsm_compact<T>(&layout, &side, &uplo, &trans, &diag, &one, &one, &this->alpha, nullptr, &one,
+                        nullptr, &one, &wrong, &one);
+    EXPECT_EQ(refused_position, 13);
+    xkl_gepack_compact<T>(&wrong, &one, &one, nullptr, &one, nullptr, &one, &format, &one);
+    EXPECT_EQ(refused_position, 1);
+    xkl_geunpack_compact<T>(&layout, &one, &one, nullptr, &one, nullptr, &one, &wrong, &one);
+    EXPECT_EQ(refused_position, 8);
+    refused_position = 0;
+    xkl_gemm_compact<T>(&layout, &trans, &trans, &one, &none, &one, &this->alpha, nullptr, &one, nullptr,
+                        &one, &this->beta, nullptr, &one, &format, &one);
+    xkl_trsm_compact<T>(&layout, &side, &uplo, &trans, &diag, &one, &one, &this->alpha, nullptr, &one,
+                        nullptr, &one, &format, &none);
+    xkl_gepack_compact<T>(&layout, &none, &one, nullptr, &one, nullptr, &one, &format, &one);
+    xkl_geunpack_compact<T>(&layout, &one, &one, nullptr, &one, nullptr, &one, &format, &none);
+    EXPECT_EQ(refused_position, 0);
+    xkl_serv_set_xerbla_interface(nullptr);
+}
+
+TEST(compact, the_processors_format_is_one_of_the_three)
+{
+    const int64_t format = xkl_blas_xkl_get_format_compact();
+    EXPECT_TRUE(format == XKL_COMPACT_128 || format == XKL_COMPACT_256 || format == XKL_COMPACT_512);
+}
+
+} // namespace

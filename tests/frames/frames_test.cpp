@@ -1,0 +1,257 @@
+// Every frame of the BLAS tables over the recording core: what arrives, in which order, what is reported
+// and traced.
+#include "recorder.h"
+#include "routine_call.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace
+{
+
+using steps = std::vector<std::string>;
+
+class frame : public testing::TestWithParam<const routine_row *>
+{
+  protected:
+    void SetUp() override { reset(); }
+
+    const routine_row &row = *GetParam();
+    const bool checked = std::string(row.frame) == "checked";
+    const bool traced = std::string(row.frame) != "through";
+
+    /// Calls by one spelling and returns the function's value, if it has one, as a real.
+    double call(const arguments_of &arguments, const std::string &spelling)
+    {
+        const std::string result = row.result;
+        void *routine = exported(spelling);
+        const bool single = result == "r4" || (result == "real" && row.name[0] == 'S');
+        if (single)
+            return call_single(routine, arguments.addresses());
+        if (result == "real" || result == "r8")
+            return call_real(routine, arguments.addresses());
+        return static_cast<double>(call_integer(routine, arguments.addresses()));
+    }
+
+    double call(const arguments_of &arguments) { return call(arguments, row.body); }
+
+    bool returns_value() const
+    {
+        return std::string(row.result) != "-" && std::string(row.result) != "first";
+    }
+
+    words expected_words(const arguments_of &arguments) const
+    {
+        words expected = arguments.addresses();
+        if (row.group)
+            expected.push_back(0);
+        for (const std::string &kind : arguments.kinds)
+            if (kind == "c" || kind == "C")
+                expected.push_back(1);
+        return expected;
+    }
+
+    /// The line as the argument kinds alone require it.
+    std::string expected_line(const arguments_of &arguments) const
+    {
+        std::string text = std::string(row.name) + "(";
+        for (std::size_t i = 0; i < arguments.kinds.size(); ++i) {
+            const std::string &kind = arguments.kinds[i];
+            char value[32];
+            if (kind == "c" || (row.group && kind == "C"))
+                std::snprintf(value, sizeof value, "%c", *static_cast<char *>(arguments.at(i)));
+            else if (kind == "i" || (row.group && kind == "I"))
+                std::snprintf(value, sizeof value, "%lli",
+                              arguments.at(i) ? *static_cast<long long *>(arguments.at(i)) : 0);
+            else if (kind == "e")
+                std::snprintf(value, sizeof value, "%d", *static_cast<int *>(arguments.at(i)));
+            else
+                std::snprintf(value, sizeof value, "%p", arguments.at(i));
+            text += (i ? "," : "") + std::string(value);
+        }
+        return text + ")";
+    }
+
+    /// The order of steps without those that belong to the first call alone.
+    static steps without_fetch(steps order)
+    {
+        std::erase(order, "verbose_mode");
+        return order;
+    }
+};
+
+TEST_P(frame, every_spelling_reaches_the_core_with_the_same_addresses)
+{
+    const arguments_of arguments(row);
+    steps spellings = split(row.spellings);
+    spellings.push_back(row.body);
+    for (const std::string &spelling : spellings) {
+        SCOPED_TRACE(spelling);
+        reset();
+        recorded.integer_result = 42;
+        recorded.real_result = 0.5;
+        const double value = call(arguments, spelling);
+        ASSERT_EQ(recorded.calls.size(), 1u);
+        EXPECT_EQ(recorded.calls[0].entry, row.core_entry);
+        EXPECT_EQ(recorded.calls[0].arguments, expected_words(arguments));
+        EXPECT_EQ(exported(spelling), exported(row.body));
+        const steps expected = checked ? steps{"register", row.core_entry} : steps{row.core_entry};
+        EXPECT_EQ(without_fetch(recorded.order), expected) << "a quiet call reads no clock";
+        if (returns_value()) {
+            EXPECT_TRUE(value == 42 || value == 0.5) << value;
+        }
+    }
+}
+
+TEST_P(frame, traced_call_leaves_its_line)
+{
+    const arguments_of arguments(row);
+    call(arguments); // the flag is fetched; switching it on afterwards must be seen at once
+    reset();
+    recorded.verbose = 1;
+    recorded.clock = {10.0, 12.5};
+    recorded.integer_result = 42;
+    recorded.real_result = 0.5;
+    const double value = call(arguments);
+    ASSERT_EQ(recorded.calls.size(), 1u);
+    EXPECT_EQ(recorded.calls[0].arguments, expected_words(arguments));
+    if (returns_value()) {
+        EXPECT_TRUE(value == 42 || value == 0.5) << "the result is kept across the trace";
+    }
+    if (!traced) {
+        EXPECT_TRUE(recorded.lines.empty());
+        return;
+    }
+    ASSERT_EQ(recorded.lines.size(), 1u);
+    EXPECT_EQ(recorded.lines[0].text, expected_line(arguments));
+    EXPECT_EQ(recorded.lines[0].domain, 2);
+    EXPECT_EQ(recorded.lines[0].seconds, 2.5);
+    steps expected = {"clock", row.core_entry, "clock", "line"};
+    if (checked)
+        expected.insert(expected.begin(), "register");
+    EXPECT_EQ(without_fetch(recorded.order), expected);
+}
+
+class checked_frame : public frame
+{
+};
+
+TEST_P(checked_frame, refused_call_is_reported_and_goes_no_further)
+{
+    for (const int32_t verbose : {0, 1}) {
+        SCOPED_TRACE(verbose);
+        arguments_of arguments(row);
+        const int64_t place = arguments.spoil();
+        reset();
+        recorded.verbose = verbose;
+        const double value = call(arguments);
+        EXPECT_TRUE(recorded.calls.empty());
+        ASSERT_EQ(recorded.reports.size(), 1u);
+        EXPECT_EQ(recorded.reports[0].name, row.reported_name);
+        EXPECT_EQ(recorded.reports[0].position, place);
+        EXPECT_EQ(recorded.default_reports, 1) << "the report goes down the chain to the core's default";
+        EXPECT_TRUE(!returns_value() || value == row.failed_result) << value;
+        steps expected = {"register", "report"};
+        if (verbose)
+            expected.insert(expected.end(), {"clock", "clock", "line"});
+        EXPECT_EQ(without_fetch(recorded.order), expected);
+        EXPECT_EQ(recorded.lines.empty() ? "" : recorded.lines[0].text,
+                  verbose ? expected_line(arguments) : "");
+    }
+}
+
+class unchecked_frame : public frame
+{
+};
+
+TEST_P(unchecked_frame, null_integer_prints_zero)
+{
+    arguments_of arguments(row);
+    for (std::size_t i = 0; i < arguments.kinds.size(); ++i)
+        if (arguments.kinds[i] == "i" || (row.group && arguments.kinds[i] == "I"))
+            arguments.replace_address(i, nullptr);
+    recorded.verbose = 1;
+    call(arguments);
+    ASSERT_EQ(recorded.lines.size(), 1u);
+    EXPECT_EQ(recorded.lines[0].text, expected_line(arguments));
+}
+
+/// The rows with one of the given kinds of frame.
+std::vector<const routine_row *> rows_with(const std::vector<std::string> &frames)
+{
+    std::vector<const routine_row *> rows;
+    for (int i = 0; i < blas_row_count; ++i)
+        if (std::find(frames.begin(), frames.end(), blas_rows[i].frame) != frames.end())
+            rows.push_back(&blas_rows[i]);
+    return rows;
+}
+
+const auto row_name = [](const auto &info) { return std::string(info.param->name); };
+INSTANTIATE_TEST_SUITE_P(blas, frame, testing::ValuesIn(rows_with({"checked", "traced", "through"})),
+                         row_name);
+INSTANTIATE_TEST_SUITE_P(blas, checked_frame, testing::ValuesIn(rows_with({"checked"})), row_name);
+INSTANTIATE_TEST_SUITE_P(blas, unchecked_frame, testing::ValuesIn(rows_with({"traced"})), row_name);
+
+const routine_row &row_of(const std::string &name)
+{
+    for (int i = 0; i < blas_row_count; ++i)
+        if (name == blas_rows[i].name)
+            return blas_rows[i];
+    throw std::runtime_error("no row " + name);
+}
+
+TEST(trace, formats_that_programs_parse)
+{
+    for (const std::string format : {
+             "DGEMM(%c,%c,%lli,%lli,%lli,%p,%p,%lli,%p,%lli,%p,%p,%lli)",
+             "DGEMV(%c,%lli,%lli,%p,%p,%lli,%p,%lli,%p,%p,%lli)",
+             "DGBMV(%c,%lli,%lli,%lli,%lli,%p,%p,%lli,%p,%lli,%p,%p,%lli)",
+             "DTRSM(%c,%c,%c,%c,%lli,%lli,%p,%p,%lli,%p,%lli)",
+             "DSYRK(%c,%c,%lli,%lli,%p,%p,%lli,%p,%p,%lli)",
+             "ZHER2K(%c,%c,%lli,%lli,%p,%p,%lli,%p,%lli,%p,%p,%lli)",
+             "DTPMV(%c,%c,%c,%lli,%p,%p,%lli)",
+             "DAXPY(%lli,%p,%p,%lli,%p,%lli)",
+             "DNRM2(%lli,%p,%lli)",
+             "IDAMAX(%lli,%p,%lli)",
+             "CDOTC(%p,%lli,%p,%lli,%p,%lli)",
+             "SCABS1(%p)",
+             "DROTG(%p,%p,%p,%p)",
+             "SAXPYI(%lli,%p,%p,%p,%p)",
+             "DGEMM_BATCH(%c,%c,%lli,%lli,%lli,%p,%p,%lli,%p,%lli,%p,%p,%lli,%lli,%lli)",
+             "DGEMM_BATCH_STRIDED(%c,%c,%lli,%lli,%lli,%p,%p,%lli,%lli,%p,%lli,%lli,%p,%p,%lli,%lli,%lli)",
+         })
+        EXPECT_EQ(row_of(format.substr(0, format.find('('))).format, format);
+}
+
+TEST(trace, clock_that_reads_zero_is_not_read_again)
+{
+    reset();
+    const arguments_of arguments(row_of("DAXPY"));
+    recorded.verbose = 1;
+    recorded.clock = {0.0, 5.0};
+    call_integer(exported("daxpy"), arguments.addresses());
+    ASSERT_EQ(recorded.lines.size(), 1u);
+    EXPECT_TRUE(recorded.lines[0].seconds == 0 && std::signbit(recorded.lines[0].seconds));
+    EXPECT_EQ(recorded.clock.size(), 1u);
+}
+
+TEST(trace, flag_is_fetched_once_and_then_read_live)
+{
+    const arguments_of arguments(row_of("DSCAL"));
+    void *const routine = exported("dscal");
+    reset();
+    call_integer(routine, arguments.addresses()); // fetches, unless an earlier test did
+    reset();
+    for (const int32_t flag : {0, 1, 0, 2}) {
+        recorded.verbose = flag;
+        call_integer(routine, arguments.addresses());
+    }
+    EXPECT_EQ(recorded.lines.size(), 2u);
+    for (const std::string &step : recorded.order)
+        EXPECT_NE(step, "verbose_mode");
+}
+
+} // namespace

@@ -1,0 +1,54 @@
+// The recording core: stands in the place of libxkl_core.so, computes nothing, and remembers every call
+// that reaches it. Tests link against it and look at what arrived.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+using words = std::vector<int64_t>;
+
+struct core_call {
+    std::string entry; // xkl_blas_dgemm
+    words arguments;   // every integer-class argument, hidden ones included
+};
+
+struct error_report {
+    std::string name;
+    int64_t position;
+    int64_t length;
+};
+
+struct trace_line {
+    double seconds;
+    int domain;
+    std::string text;
+};
+
+/// What one test does and sees. A fresh one is made by `reset`.
+struct recording {
+    std::vector<core_call> calls;
+    std::vector<error_report> reports; // those that reached xkl_serv_xerbla
+    std::vector<trace_line> lines;
+    std::vector<std::string>
+        order; // the steps of all kinds, in order: register, clock, verbose_mode, report, line, entries
+    int default_reports = 0;    // those that went down the whole chain, to the core's default
+    int32_t verbose = 0;        // the live flag
+    std::vector<double> clock;  // readings to hand out; 1, 2, 3... when empty
+    int64_t integer_result = 0; // what entries return
+    double real_result = 0;
+    bool forward_reports = true;                    // whether xkl_serv_xerbla calls the registered handler
+    int failing_allocations = 0;                    // the next so many allocations return null
+    int64_t allocated = 0;                          // live blocks
+    std::function<void(const core_call &)> on_call; // looks at the arguments while they are alive
+};
+
+extern recording recorded;
+void reset();
+
+// For generated entries.
+extern "C++" void record(const char *entry, std::initializer_list<int64_t> arguments);
+int64_t recorded_integer();
+double recorded_real();

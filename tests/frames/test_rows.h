@@ -1,0 +1,37 @@
+// The tables as tests see them: one row a routine, everything that can be expected of it.
+#pragma once
+
+struct routine_row {
+    const char *name;          // DGEMM
+    const char *body;          // the body's own symbol: xkl_blas__dgemm
+    const char *core_entry;    // xkl_blas_dgemm
+    const char *checker;       // xkl_blas_errchk_dgemm, or ""
+    const char *frame;         // checked, traced, through
+    bool group;                // a trailing 0 goes to checker and core
+    const char *result;        // -, int, real, r4, r8, first, pointer
+    int failed_result;         // what a function returns after a failed check
+    const char *reported_name; // with its blanks
+    const char *format;        // of the trace line
+    const char *trace_kinds;   // a letter an argument: c, i, e, p
+    const char *names;         // argument names, blank separated
+    const char *kinds;         // argument kinds as the table has them, blank separated
+    const char *spellings;     // every other exported spelling, blank separated
+    const char *mixed;         // service rows: the mixed-case spelling where it is a body of its own
+};
+
+struct cblas_row {
+    const char *name;    // cblas_dgemm
+    const char *shape;   // gemm
+    const char *routine; // DGEMM
+    char element;        // S, D, C, Z, or -
+    const char *result;
+    const char *names; // argument names of the C list, blank separated
+    const char *kinds; // kinds, as the routine's table has them, ! behind those that are written
+};
+
+extern const routine_row blas_rows[];
+extern const int blas_row_count;
+extern const routine_row service_rows[];
+extern const int service_row_count;
+extern const cblas_row cblas_rows[];
+extern const int cblas_row_count;

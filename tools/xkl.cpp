@@ -1,0 +1,125 @@
+// xkl: tells what is installed and what each core entry is provided by.
+#include "xkl.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <string>
+
+namespace {
+
+const char usage[] = R"(usage: xkl COMMAND
+  info               libraries and where they were loaded from, versions, threads, processor, and who
+                     serves the core's entries
+  info --missing     the core entries that nobody serves yet, one a line
+  info --kernel-set  the name of the dense kernel set in use
+  --version, --help
+)";
+
+/// The file that an address was loaded from, links resolved.
+std::string file_of(const void *address)
+{
+    Dl_info found;
+    if (!dladdr(address, &found) || !found.dli_fname)
+        return "(unknown)";
+    char path[PATH_MAX];
+    return realpath(found.dli_fname, path) ? path : found.dli_fname;
+}
+
+// What the default core tells about itself; another core may lack these.
+using manifest_type = int64_t(int64_t index, const char **family, const char **entry, const char **provider);
+using kernel_set_type = const char *();
+
+template <class F>
+F *from_core(const char *name)
+{
+    return reinterpret_cast<F *>(dlsym(RTLD_DEFAULT, name));
+}
+
+struct served {
+    int by_library = 0, own = 0, missing = 0;
+};
+
+int print_missing()
+{
+    auto *manifest = from_core<manifest_type>("xkl_core_manifest");
+    if (!manifest) {
+        std::fprintf(stderr, "xkl: this core does not tell who serves its entries\n");
+        return 1;
+    }
+    const char *family, *entry, *provider;
+    for (int64_t i = 0; manifest(i, &family, &entry, &provider); ++i)
+        if (std::strcmp(provider, "none") == 0)
+            std::printf("%s\n", entry);
+    return 0;
+}
+
+void print_served()
+{
+    auto *manifest = from_core<manifest_type>("xkl_core_manifest");
+    if (!manifest) {
+        std::printf("\nThis core does not tell who serves its entries.\n");
+        return;
+    }
+    std::map<std::string, served> families;
+    const char *family, *entry, *provider;
+    for (int64_t i = 0; manifest(i, &family, &entry, &provider); ++i) {
+        served &counted = families[family];
+        const bool missing = std::strcmp(provider, "none") == 0;
+        const bool own = std::strcmp(provider, "own") == 0;
+        ++(missing ? counted.missing : own ? counted.own : counted.by_library);
+    }
+    std::printf("\n%-12s %10s %10s %10s\n", "core entries", "OpenBLAS", "own code", "missing");
+    for (const auto &[name, counted] : families)
+        std::printf("%-12s %10d %10d %10d\n", name.c_str(), counted.by_library, counted.own, counted.missing);
+    std::printf("A missing entry ends the process with a line that names it; `xkl info --missing` lists them.\n");
+}
+
+int print_info()
+{
+    char version[200];
+    XKL_Get_Version_String(version, sizeof version);
+    std::printf("%s\n\n", version);
+    std::printf("%-20s %s\n", "interface library", file_of(reinterpret_cast<void *>(dgemm)).c_str());
+    std::printf("%-20s %s\n", "core library",
+                file_of(reinterpret_cast<void *>(from_core<void()>("xkl_serv_get_version"))).c_str());
+    void *kernels = dlopen("libxkl_kernels.so", RTLD_LAZY | RTLD_NOLOAD);
+    std::printf("%-20s %s\n", "kernel library", kernels ? "loaded" : "not loaded");
+    if (auto *kernel_set = from_core<kernel_set_type>("xkl_core_kernel_set"))
+        std::printf("%-20s %s\n", "dense kernel set", kernel_set());
+    std::printf("%-20s %d\n", "threads", XKL_Get_Max_Threads());
+    std::printf("%-20s %.2f GHz now, %.2f GHz at most\n", "processor", XKL_Get_Cpu_Frequency(),
+                XKL_Get_Max_Cpu_Frequency());
+    std::printf("%-20s %d\n", "reproducible branch", XKL_CBWR_Get_Auto_Branch());
+    print_served();
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const std::string command = argc > 1 ? argv[1] : "";
+    const std::string option = argc > 2 ? argv[2] : "";
+    if (command == "info" && option.empty())
+        return print_info();
+    if (command == "info" && option == "--missing")
+        return print_missing();
+    if (command == "info" && option == "--kernel-set") {
+        auto *kernel_set = from_core<kernel_set_type>("xkl_core_kernel_set");
+        std::printf("%s\n", kernel_set ? kernel_set() : "");
+        return kernel_set ? 0 : 1;
+    }
+    if (command == "--version") {
+        std::printf("xkl %s\n", XKL_TOOL_VERSION);
+        return 0;
+    }
+    const bool asked = command == "--help" || command == "help";
+    std::fputs(usage, asked ? stdout : stderr);
+    return asked ? 0 : 2;
+}
