@@ -1,13 +1,18 @@
-// The manifest as the `xkl` tool reads it, through one entry.
+// What the core tells about itself, for the `xkl` tool.
 #include "manifest.h"
+
+#include "openblas/kernel_set.h"
 
 #include <cstdint>
 #include <initializer_list>
 
 using namespace xkl::core;
 
+#pragma GCC visibility push(default)
+extern "C" {
+
 /// Fills in entry `index`, from 0; returns 0 past the end.
-extern "C" int64_t xkl_core_manifest(int64_t index, const char **family, const char **entry, const char **provider)
+int64_t xkl_core_manifest(int64_t index, const char **family, const char **entry, const char **provider)
 {
     static constexpr const char *names[] = {"none", "openblas", "own"};
     for (const manifest_part &part : {blas_manifest, service_manifest}) {
@@ -23,3 +28,11 @@ extern "C" int64_t xkl_core_manifest(int64_t index, const char **family, const c
     }
     return 0;
 }
+
+/// The kernel set in use, by the name that OPENBLAS_CORETYPE takes.
+const char *xkl_core_kernel_set()
+{
+    return kernel_set_name();
+}
+}
+#pragma GCC visibility pop

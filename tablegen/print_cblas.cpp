@@ -89,12 +89,13 @@ void print_shapes(std::ostream &out, const std::vector<shaped> &rows)
         const std::string name = cblas_name(row);
         out << "\n// " << name << ": " << row.place << " over " << row.base->place << ", shape `"
             << row.shape << "` (src/cblas)\nnamespace {\nstruct " << name << "_row {\n"
-            << "    static constexpr char name[] = " << quoted(name) << ";\n"
+            << "    [[maybe_unused]] static constexpr char name[] = " << quoted(name) << ";\n"
             << "    using element = " << element_type(row.base->element) << ";\n"
-            << "    static constexpr auto &core = " << core_entry(*row.base) << ";\n"
-            << "    static constexpr auto &frame = " << body_symbol(*row.base) << ";\n};\n"
+            << "    [[maybe_unused]] static constexpr auto &core = " << core_entry(*row.base) << ";\n"
+            << "    [[maybe_unused]] static constexpr auto &frame = " << body_symbol(*row.base) << ";\n};\n"
             << "struct " << name << "_64_row : " << name
-            << "_row {\n    static constexpr auto &frame = " << row.base->lower() << "_64;\n};\n}\n";
+            << "_row {\n    [[maybe_unused]] static constexpr auto &frame = " << row.base->lower()
+            << "_64;\n};\n}\n";
         print_body(out, row, "");
         print_body(out, row, "_64");
     }

@@ -32,7 +32,8 @@ std::string file_of(const void *address)
 }
 
 // What the default core tells about itself; another core may lack these.
-using manifest_type = int64_t(int64_t index, const char **family, const char **entry, const char **provider);
+using manifest_type = int64_t(int64_t index, const char **family, const char **entry,
+                              const char **provider);
 using kernel_set_type = const char *();
 
 template <class F>
@@ -76,26 +77,27 @@ void print_served()
     }
     std::printf("\n%-12s %10s %10s %10s\n", "core entries", "OpenBLAS", "own code", "missing");
     for (const auto &[name, counted] : families)
-        std::printf("%-12s %10d %10d %10d\n", name.c_str(), counted.by_library, counted.own, counted.missing);
-    std::printf("A missing entry ends the process with a line that names it; `xkl info --missing` lists them.\n");
+        std::printf("%-12s %10d %10d %10d\n", name.c_str(), counted.by_library, counted.own,
+                    counted.missing);
+    std::printf(
+        "A missing entry ends the process with a line that names it; `xkl info --missing` lists them.\n");
 }
 
 int print_info()
 {
-    char version[200];
-    XKL_Get_Version_String(version, sizeof version);
-    std::printf("%s\n\n", version);
+    char text[200];
+    XKL_Get_Version_String(text, sizeof text);
+    std::printf("%s\n\n", text);
     std::printf("%-20s %s\n", "interface library", file_of(reinterpret_cast<void *>(dgemm)).c_str());
     std::printf("%-20s %s\n", "core library",
                 file_of(reinterpret_cast<void *>(from_core<void()>("xkl_serv_get_version"))).c_str());
     void *kernels = dlopen("libxkl_kernels.so", RTLD_LAZY | RTLD_NOLOAD);
     std::printf("%-20s %s\n", "kernel library", kernels ? "loaded" : "not loaded");
-    if (auto *kernel_set = from_core<kernel_set_type>("xkl_core_kernel_set"))
-        std::printf("%-20s %s\n", "dense kernel set", kernel_set());
+    xkl_version version;
+    XKL_Get_Version(&version);
+    std::printf("%-20s %s, built by %s\n", "dense kernels", version.kernels, version.build);
+    std::printf("%-20s %s, %.2f GHz\n", "processor", version.processor, XKL_Get_Max_Cpu_Frequency());
     std::printf("%-20s %d\n", "threads", XKL_Get_Max_Threads());
-    std::printf("%-20s %.2f GHz now, %.2f GHz at most\n", "processor", XKL_Get_Cpu_Frequency(),
-                XKL_Get_Max_Cpu_Frequency());
-    std::printf("%-20s %d\n", "reproducible branch", XKL_CBWR_Get_Auto_Branch());
     print_served();
     return 0;
 }

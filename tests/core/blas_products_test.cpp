@@ -3,8 +3,6 @@
 // the routines work.
 #include "blas_reference.h"
 
-#include <tuple>
-
 namespace {
 using namespace blas_test;
 
@@ -12,96 +10,42 @@ BLAS_ENTRY(, gemmt);
 BLAS_ENTRY(, trmm_oop);
 BLAS_ENTRY(, trsm_oop);
 
+struct shape {
+    int64_t m, n, k;
+};
+
 template <class T>
 struct products : ::testing::Test {
-    const T alpha = scalar<T>(1.25, -.5), beta = scalar<T>(-.5, .75);
-    static std::string letters(std::initializer_list<char> options) { return std::string(options); }
+    const T alpha = scalar<T>(1.25, -.5), betas[2] = {T(0), scalar<T>(-.5, .75)};
 };
 TYPED_TEST_SUITE(products, all_types);
-
-/// The old C as beta sees it: with a beta of 0 it isn't read, so that NaN may stand there.
-template <class T>
-wide kept(const T &beta, const matrix<T> &old, int64_t i, int64_t j)
-{
-    return beta == T(0) ? wide(0) : widen(beta) * widen(old(i, j));
-}
-
-template <class T>
-matrix<T> output(int64_t m, int64_t n, const T &beta)
-{
-    matrix<T> c(m, n);
-    if (beta == T(0))
-        c.fill(not_a_number<T>());
-    return c;
-}
 
 TYPED_TEST(products, one_triangle)
 {
     using T = TypeParam;
-    const std::tuple<int64_t, int64_t> sizes[] = {{1, 1},    {7, 3}, {48, 5}, {49, 4},
-                                                  {117, 20}, {6, 0}, {0, 4}};
-    for (const auto &[n, k] : sizes)
-        for (const char uplo : {'U', 'l'})
-            for (const char transa : {'N', 'T', 'C'})
-                for (const char transb : {'N', 'T', 'C'})
-                    for (const T &beta : {T(0), this->beta}) {
-                        const matrix<T> a(transa == 'N' ? n : k, transa == 'N' ? k : n);
-                        const matrix<T> b(transb == 'N' ? k : n, transb == 'N' ? n : k);
-                        matrix<T> c = output(n, n, beta);
-                        const auto outside = [&](int64_t i, int64_t j) {
-                            return uplo == 'U' ? i > j : i < j;
-                        };
-                        for (int64_t j = 0; j < n; ++j)
-                            for (int64_t i = 0; i < n; ++i)
-                                if (outside(i, j))
-                                    c(i, j) = T(5);
-                        const matrix<T> old = c;
-                        gemmt<T>(&uplo, &transa, &transb, &n, &k, &this->alpha, a.data(), &a.ld, b.data(),
-                                 &b.ld, &beta, c.data(), &c.ld, 1, 1, 1);
-                        expect_matrix(c, 2 * k, this->letters({uplo, transa, transb}),
-                                      [&](int64_t i, int64_t j) {
-                                          if (outside(i, j))
-                                              return wide(5);
-                                          const wide product = inner(
-                                              k, [&](int64_t p) { return op(a, transa, i, p); },
-                                              [&](int64_t p) { return op(b, transb, p, j); });
-                                          return widen(this->alpha) * product + kept(beta, old, i, j);
-                                      });
+    for (const auto &[n, unused, k] :
+         {shape{1, 0, 1}, {7, 0, 3}, {49, 0, 4}, {117, 0, 20}, {6, 0, 0}, {0, 0, 4}})
+        for (const char *o : {"UNN", "lTC", "UCT", "lNT", "uCN"})
+            for (const T &beta : this->betas) {
+                const char uplo = o[0] == 'l' ? 'L' : 'U';
+                const matrix<T> a = o[1] == 'N' ? matrix<T>(n, k) : matrix<T>(k, n);
+                const matrix<T> b = o[2] == 'N' ? matrix<T>(k, n) : matrix<T>(n, k), old(n, n);
+                matrix<T> c = triangle(output(old, beta), uplo, 'N', T(5), T(0));
+                gemmt<T>(o, o + 1, o + 2, &n, &k, &this->alpha, a.data(), &a.ld, b.data(), &b.ld, &beta,
+                         c.data(), &c.ld, 1, 1, 1);
+                c.for_each([&](int64_t i, int64_t j, T &element) {
+                    if (i != j && (uplo == 'U') == (i > j)) {
+                        EXPECT_EQ(element, T(5)) << o;
+                        element = beta * old(i, j); // what an update by nothing leaves
                     }
-}
-
-/// inv(op(A)) or op(A), from the left or the right, times B: element (i, j)
-template <class T>
-std::vector<wide> triangular_product(bool solve, char side, const matrix<T> &a, char trans,
-                                     const matrix<T> &b)
-{
-    const int64_t order = a.rows, m = b.rows, n = b.columns, across = side == 'L' ? n : m;
-    std::vector<wide> result(m * n);
-    const bool lower = widen(a(order - 1, 0)) != wide(0) ? trans == 'N' : trans != 'N';
-    for (int64_t v = 0; v < across; ++v) {
-        const auto x = [&](int64_t u) -> wide & {
-            return side == 'L' ? result[u + v * m] : result[v + u * m];
-        };
-        const auto right = [&](int64_t u) { return widen(side == 'L' ? b(u, v) : b(v, u)); };
-        const auto left = [&](int64_t u, int64_t p) {
-            return side == 'L' ? op(a, trans, u, p) : op(a, trans, p, u);
-        };
-        const bool forward = lower == (side == 'L');
-        for (int64_t step = 0; step < order; ++step) {
-            const int64_t u = forward ? step : order - 1 - step;
-            if (!solve) {
-                x(u) = inner(
-                    order, [&](int64_t p) { return left(u, p); }, right);
-                continue;
+                });
+                wide_matrix product = op(a, o[1]) * op(b, o[2]);
+                for (int64_t j = 0; j < n; ++j)
+                    for (int64_t i = 0; i < n; ++i)
+                        if (i != j && (uplo == 'U') == (i > j))
+                            product(i, j) = 0;
+                expect_update(c, this->alpha, product, beta, old, 2 * k, o);
             }
-            wide rest = right(u);
-            for (int64_t p = 0; p < order; ++p)
-                if (forward ? p < u : p > u)
-                    rest -= left(u, p) * x(p);
-            x(u) = rest / left(u, u);
-        }
-    }
-    return result;
 }
 
 /// A triangle whose inverse stays small
@@ -109,72 +53,71 @@ template <class T>
 matrix<T> tame(int64_t order)
 {
     matrix<T> a(order, order);
-    for (int64_t i = 0; i < order; ++i) {
-        for (int64_t j = 0; j < order; ++j)
-            a(i, j) *= T(i == j ? .25 : 1. / static_cast<double>(order));
-        a(i, i) += T(1);
-    }
+    a.for_each([&](int64_t i, int64_t j, T &element) {
+        element = element * T(i == j ? .25 : 1. / static_cast<double>(order)) + T(i == j);
+    });
     return a;
-}
-
-/// The same with NaN where the triangle isn't read
-template <class T>
-matrix<T> unread_spoiled(const matrix<T> &a, char uplo, char diag)
-{
-    matrix<T> spoiled = a;
-    for (int64_t j = 0; j < a.columns; ++j)
-        for (int64_t i = 0; i < a.rows; ++i)
-            if (i == j ? diag == 'U' : (uplo == 'U') != (i < j))
-                spoiled(i, j) = not_a_number<T>();
-    return spoiled;
 }
 
 constexpr const char *triangular_options[] = {"LUNN", "LUTN", "LUCU", "LLNU", "LLTN", "LLCN",
                                               "RUNN", "RUTU", "RUCN", "RLNN", "RLTU", "RLCN"};
-constexpr std::tuple<int64_t, int64_t> triangular_sizes[] = {{1, 1}, {5, 7}, {65, 34}, {33, 130}};
 
-template <class T>
-void check_out_of_place(bool solve, const T &alpha, const T &beta)
+/// op(A)*B or B*op(A)
+wide_matrix beside(char side, const wide_matrix &a, const wide_matrix &b)
 {
-    for (const auto &[m, n] : triangular_sizes)
-        for (const char *o : triangular_options) {
-            const matrix<T> whole = tame<T>(o[0] == 'L' ? m : n), a = unread_spoiled(whole, o[1], o[3]),
-                            b(m, n);
-            matrix<T> c = output(m, n, beta);
-            const matrix<T> old = c, old_b = b;
-            (solve ? trsm_oop<T> : trmm_oop<T>)(o, o + 1, o + 2, o + 3, &m, &n, &alpha, a.data(), &a.ld,
-                                                b.data(), &b.ld, &beta, c.data(), &c.ld, 1, 1, 1, 1);
-            const auto x = triangular_product(solve, o[0], triangle(whole, o[1], o[3]), o[2], b);
-            expect_matrix(c, 2 * whole.rows, o, [&](int64_t i, int64_t j) {
-                return widen(alpha) * x[i + j * b.rows] + kept(beta, old, i, j);
-            });
-            EXPECT_EQ(b, old_b) << o;
-        }
+    return side == 'L' ? a * b : b * a;
 }
 
 TYPED_TEST(products, triangular_out_of_place)
 {
-    for (const TypeParam &beta : {TypeParam(0), this->beta})
-        for (const bool solve : {false, true})
-            check_out_of_place(solve, this->alpha, beta);
+    using T = TypeParam;
+    for (const auto &[m, n, unused] : {shape{1, 1}, {5, 7}, {65, 34}, {33, 130}})
+        for (const char *o : triangular_options)
+            for (const T &beta : this->betas) {
+                const matrix<T> whole = tame<T>(o[0] == 'L' ? m : n), b(m, n), old(m, n);
+                const matrix<T> a = triangle(whole, o[1], o[3], not_a_number<T>(), not_a_number<T>());
+                const wide_matrix factor = op(triangle(whole, o[1], o[3], T(0), T(1)), o[2]);
+                const matrix<T> old_b = b;
+                matrix<T> c = output(old, beta);
+                trmm_oop<T>(o, o + 1, o + 2, o + 3, &m, &n, &this->alpha, a.data(), &a.ld, b.data(), &b.ld,
+                            &beta, c.data(), &c.ld, 1, 1, 1, 1);
+                expect_update(c, this->alpha, beside(o[0], factor, op(b, 'N')), beta, old, 2 * whole.rows,
+                              o);
+                c = output(old, beta);
+                trsm_oop<T>(o, o + 1, o + 2, o + 3, &m, &n, &this->alpha, a.data(), &a.ld, b.data(), &b.ld,
+                            &beta, c.data(), &c.ld, 1, 1, 1, 1);
+                // Multiplied back, what was added to beta*C must be alpha*B.
+                wide_matrix added = op(c, 'N');
+                for (int64_t at = 0; beta != T(0) && at < m * n; ++at)
+                    added.elements[at] -= widen(beta) * op(old, 'N').elements[at];
+                const wide_matrix back = beside(o[0], factor, added);
+                for (int64_t at = 0; at < m * n; ++at)
+                    expect_close(b(at % b.rows, at / b.rows), back.elements[at] / widen(this->alpha),
+                                 4 * whole.rows, o);
+                EXPECT_TRUE(c.canaries_live()) << o;
+                EXPECT_EQ(b, old_b) << o;
+            }
 }
 
-TYPED_TEST(products, triangular_out_of_place_onto_itself_and_without_product)
+TYPED_TEST(products, triangular_onto_itself_and_without_product)
 {
     using T = TypeParam;
     const int64_t m = 9, n = 4;
-    const T zero = 0;
+    const T zero = 0, one = 1;
     const matrix<T> a = tame<T>(m), b(m, n);
-    for (const bool solve : {false, true}) {
-        matrix<T> c = b;
-        (solve ? trsm_oop<T> : trmm_oop<T>)("L", "U", "N", "N", &m, &n, &this->alpha, a.data(), &a.ld,
-                                            c.data(), &c.ld, &zero, c.data(), &c.ld, 1, 1, 1, 1);
-        const auto x = triangular_product(solve, 'L', triangle(a, 'U', 'N'), 'N', b);
-        expect_matrix(c, 2 * m, "in place",
-                      [&](int64_t i, int64_t j) { return widen(this->alpha) * x[i + j * m]; });
-        (solve ? trsm_oop<T> : trmm_oop<T>)("L", "U", "N", "N", &m, &n, &zero, nullptr, &a.ld, nullptr,
-                                            &c.ld, &zero, c.data(), &c.ld, 1, 1, 1, 1);
-        expect_matrix(c, 0, "alpha 0", [](int64_t, int64_t) { return wide(0); });
+    matrix<T> c = b;
+    trmm_oop<T>("L", "U", "N", "N", &m, &n, &this->alpha, a.data(), &a.ld, c.data(), &c.ld, &zero, c.data(),
+                &c.ld, 1, 1, 1, 1);
+    expect_update(c, this->alpha, op(triangle(a, 'U', 'N', zero, zero), 'N') * op(b, 'N'), zero, b, 2 * m,
+                  "onto");
+    trsm_oop<T>("L", "U", "N", "N", &m, &n, &one, a.data(), &a.ld, c.data(), &c.ld, &zero, c.data(), &c.ld,
+                1, 1, 1, 1);
+    expect_update(c, this->alpha, op(b, 'N'), zero, b, 4 * m, "and back");
+    for (const auto routine : {trmm_oop<T>, trsm_oop<T>}) {
+        c = output(b, zero);
+        routine("L", "U", "N", "N", &m, &n, &zero, nullptr, &a.ld, nullptr, &c.ld, &zero, c.data(), &c.ld,
+                1, 1, 1, 1);
+        expect_update(c, zero, op(b, 'N'), zero, b, 1, "alpha 0");
     }
 }
 
@@ -186,20 +129,17 @@ TYPED_TEST(packed_products, triangular)
 {
     using T = TypeParam;
     constexpr auto ptrmm = pick<T>(xkl_blas_sptrmm, xkl_blas_dptrmm, 0, 0);
-    const std::tuple<int64_t, int64_t> sizes[] = {{1, 1}, {5, 7}, {64, 3}, {65, 70}, {131, 129}};
-    for (const auto &[m, n] : sizes)
+    for (const auto &[m, n, unused] : {shape{1, 1}, {5, 7}, {64, 3}, {65, 70}, {131, 129}})
         for (const char *o : triangular_options) {
-            const matrix<T> whole = tame<T>(o[0] == 'L' ? m : n), a = unread_spoiled(whole, o[1], o[3]),
-                            old(m, n);
+            const matrix<T> a(o[0] == 'L' ? m : n, o[0] == 'L' ? m : n), old(m, n);
             std::vector<T> packed;
             for (int64_t j = 0; j < a.columns; ++j)
                 for (int64_t i = o[1] == 'U' ? 0 : j; i < (o[1] == 'U' ? j + 1 : a.rows); ++i)
-                    packed.push_back(a(i, j));
+                    packed.push_back(i == j && o[3] == 'U' ? not_a_number<T>() : a(i, j));
             matrix<T> b = old;
             ptrmm(o, o + 1, o + 2, o + 3, &m, &n, &this->alpha, packed.data(), b.data(), &b.ld, 1, 1, 1, 1);
-            const auto x = triangular_product(false, o[0], triangle(whole, o[1], o[3]), o[2], old);
-            expect_matrix(b, 2 * whole.rows, o,
-                          [&](int64_t i, int64_t j) { return widen(this->alpha) * x[i + j * old.rows]; });
+            const wide_matrix factor = op(triangle(a, o[1], o[3], T(0), T(1)), o[2]);
+            expect_update(b, this->alpha, beside(o[0], factor, op(old, 'N')), T(0), old, a.rows, o);
         }
 }
 
@@ -212,88 +152,64 @@ TYPED_TEST(mixed_products, real_matrix_by_complex_matrix)
     using T = TypeParam;
     using R = real_of<T>;
     constexpr auto gemm = pick<T>(0, 0, xkl_blas_scgemm, xkl_blas_dzgemm);
-    const std::tuple<int64_t, int64_t, int64_t> sizes[] = {
-        {1, 1, 1}, {5, 3, 9}, {65, 33, 130}, {513, 40, 7}, {3, 4, 0}};
-    for (const auto &[m, n, k] : sizes)
-        for (const char transa : {'N', 'T', 'C'})
-            for (const char transb : {'N', 'T', 'C'})
-                for (const T &beta : {T(0), this->beta}) {
-                    const matrix<R> a(transa == 'N' ? m : k, transa == 'N' ? k : m);
-                    const matrix<T> b(transb == 'N' ? k : n, transb == 'N' ? n : k);
-                    matrix<T> c = output(m, n, beta);
-                    const matrix<T> old = c;
-                    gemm(&transa, &transb, &m, &n, &k, &this->alpha, a.data(), &a.ld, b.data(), &b.ld,
-                         &beta, c.data(), &c.ld, 1, 1);
-                    expect_matrix(c, 2 * k, this->letters({transa, transb}), [&](int64_t i, int64_t j) {
-                        const wide product = inner(
-                            old.rows == 0 ? 0 : (transa == 'N' ? a.columns : a.rows),
-                            [&](int64_t p) { return op(a, transa, i, p); },
-                            [&](int64_t p) { return op(b, transb, p, j); });
-                        return widen(this->alpha) * product + kept(beta, old, i, j);
-                    });
-                }
+    for (const auto &[m, n, k] :
+         {shape{1, 1, 1}, {5, 3, 9}, {65, 33, 130}, {513, 40, 7}, {3, 4, 0}, {0, 4, 2}})
+        for (const char *o : {"NN", "NT", "NC", "TN", "TC", "CT"})
+            for (const T &beta : this->betas) {
+                const matrix<R> a = o[0] == 'N' ? matrix<R>(m, k) : matrix<R>(k, m);
+                const matrix<T> b = o[1] == 'N' ? matrix<T>(k, n) : matrix<T>(n, k), old(m, n);
+                matrix<T> c = output(old, beta);
+                gemm(o, o + 1, &m, &n, &k, &this->alpha, a.data(), &a.ld, b.data(), &b.ld, &beta, c.data(),
+                     &c.ld, 1, 1);
+                expect_update(c, this->alpha, op(a, o[0]) * op(b, o[1]), beta, old, 2 * k, o);
+            }
 }
 
-/// y against alpha*op(A)*x + beta*old
-template <class T, class M>
-void expect_matrix_vector(const strided<T> &y, const T &alpha, const matrix<M> &a, char trans,
-                          const strided<T> &x, const T &beta, const strided<T> &old)
-{
-    for (int64_t i = 0; i < y.n; ++i) {
-        const wide product = inner(
-            x.n, [&](int64_t p) { return op(a, trans, i, p); }, [&](int64_t p) { return widen(x[p]); });
-        expect_close(y[i], widen(alpha) * product + (beta == T(0) ? wide(0) : widen(beta) * widen(old[i])),
-                     2 * x.n, std::string("y, ") + trans);
-    }
-    EXPECT_TRUE(y.gaps_are_whole());
-}
-
-template <class T>
-strided<T> output_vector(int64_t n, int64_t inc, const T &beta)
-{
-    strided<T> y(n, inc);
-    for (int64_t i = 0; beta == T(0) && i < n; ++i)
-        y[i] = not_a_number<T>();
-    return y;
-}
-
-constexpr std::tuple<int64_t, int64_t> vector_sizes[] = {{1, 1}, {7, 4}, {40, 1100}, {600, 130}};
-constexpr std::tuple<int64_t, int64_t> increments[] = {{1, 1}, {-1, 2}, {3, -2}};
+// The last number of a shape stands for a pair of increments.
+constexpr shape vector_shapes[] = {{1, 1, 0},     {7, 4, 1},   {40, 1100, 2},
+                                   {600, 130, 1}, {600, 0, 0}, {0, 6, 0}};
+constexpr int64_t increments[][2] = {{1, 1}, {-1, 2}, {3, -2}};
 
 TYPED_TEST(mixed_products, real_matrix_by_complex_vector)
 {
     using T = TypeParam;
     constexpr auto gemv = pick<T>(0, 0, xkl_blas_scgemv, xkl_blas_dzgemv);
-    for (const auto &[m, n] : vector_sizes)
-        for (const auto &[incx, incy] : increments)
-            for (const char trans : {'N', 'T', 'C'})
-                for (const T &beta : {T(0), this->beta}) {
-                    const matrix<real_of<T>> a(m, n);
-                    strided<T> x(trans == 'N' ? n : m, incx),
-                        y = output_vector(trans == 'N' ? m : n, incy, beta);
-                    const strided<T> old = y;
-                    gemv(&trans, &m, &n, &this->alpha, a.data(), &a.ld, x.data(), &incx, &beta, y.data(),
-                         &incy, 1);
-                    expect_matrix_vector(y, this->alpha, a, trans, x, beta, old);
-                }
+    for (const auto &[m, n, pair] : vector_shapes)
+        for (const char trans : {'N', 'T', 'C'})
+            for (const T &beta : this->betas) {
+                const auto &[incx, incy] = increments[pair];
+                const matrix<real_of<T>> a(m, n);
+                const strided<T> x(trans == 'N' ? n : m, incx), old(trans == 'N' ? m : n, incy);
+                strided<T> y = m * n > 0 ? output(old, beta) : old;
+                gemv(&trans, &m, &n, &this->alpha, a.data(), &a.ld, x.data(), &incx, &beta, y.data(), &incy,
+                     1);
+                if (m * n > 0)
+                    expect_update(y, this->alpha, op(a, trans) * op(x), beta, old, 2 * x.n, "y");
+                else
+                    EXPECT_EQ(y, old);
+            }
 }
 
 TYPED_TEST(products, two_vectors_with_one_matrix)
 {
     using T = TypeParam;
     constexpr auto gem2v = pick<T>(xkl_blas_sgem2vu, xkl_blas_dgem2vu, xkl_blas_cgem2vc, xkl_blas_zgem2vc);
-    for (const auto &[m, n] : vector_sizes)
-        for (const auto &[incx, incy] : increments)
-            for (const T &beta : {T(0), this->beta}) {
-                const matrix<T> a(m, n);
-                strided<T> x1(n, incx), x2(m, incy), y1 = output_vector(m, incx, beta),
-                                                     y2 = output_vector(n, incy, beta);
-                const strided<T> old1 = y1, old2 = y2;
-                gem2v(&m, &n, &this->alpha, a.data(), &a.ld, x1.data(), &incx, x2.data(), &incy, &beta,
-                      y1.data(), &incx, y2.data(), &incy);
-                expect_matrix_vector(y1, this->alpha, a, 'N', x1, beta, old1);
-                expect_matrix_vector(y2, this->alpha, a, 'C', x2, beta, old2);
+    for (const auto &[m, n, pair] : vector_shapes)
+        for (const T &beta : this->betas) {
+            const auto &[incx, incy] = increments[pair];
+            const matrix<T> a(m, n);
+            const strided<T> x1(n, incx), x2(m, incy), old1(m, incx), old2(n, incy);
+            strided<T> y1 = m * n > 0 ? output(old1, beta) : old1,
+                       y2 = m * n > 0 ? output(old2, beta) : old2;
+            gem2v(&m, &n, &this->alpha, a.data(), &a.ld, x1.data(), &incx, x2.data(), &incy, &beta,
+                  y1.data(), &incx, y2.data(), &incy);
+            if (m * n == 0) {
+                EXPECT_TRUE(y1 == old1 && y2 == old2);
+                continue;
             }
+            expect_update(y1, this->alpha, op(a, 'N') * op(x1), beta, old1, 2 * n, "y1");
+            expect_update(y2, this->alpha, op(a, 'C') * op(x2), beta, old2, 2 * m, "y2");
+        }
 }
 
 } // namespace

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <random>
 #include <string>
@@ -102,32 +101,34 @@ wide widen(const T &value)
     return {std::real(value), std::imag(value)};
 }
 
-/// Columns with three elements of padding behind each, and the same before and behind the whole
+/// Columns at a distance of ld, with a margin before and behind the whole; what is no element is a canary.
 template <class T>
 class matrix {
   public:
     int64_t rows, columns, ld;
 
-    matrix(int64_t m, int64_t n)
-        : rows(m), columns(n), ld(std::max<int64_t>(m, 1) + margin), storage_(ld * n + 2 * margin, canary())
+    matrix(int64_t m, int64_t n) : matrix(m, n, std::max<int64_t>(m, 1) + margin) {}
+    matrix(int64_t m, int64_t n, int64_t distance)
+        : rows(m), columns(n), ld(distance), storage_(ld * n + 2 * margin, canary())
     {
-        for (int64_t j = 0; j < n; ++j)
-            for (int64_t i = 0; i < m; ++i)
-                (*this)(i, j) = random_element<T>();
+        for_each([](int64_t, int64_t, T &element) { element = random_element<T>(); });
     }
 
     T *data() { return storage_.data() + margin; }
     const T *data() const { return storage_.data() + margin; }
     T &operator()(int64_t i, int64_t j) { return data()[i + j * ld]; }
     const T &operator()(int64_t i, int64_t j) const { return data()[i + j * ld]; }
+    bool operator==(const matrix &other) const { return storage_ == other.storage_; }
 
-    void fill(const T &value)
+    template <class Visit>
+    void for_each(const Visit &visit)
     {
         for (int64_t j = 0; j < columns; ++j)
-            std::fill_n(&(*this)(0, j), rows, value);
+            for (int64_t i = 0; i < rows; ++i)
+                visit(i, j, (*this)(i, j));
     }
 
-    bool padding_is_whole() const
+    bool canaries_live() const
     {
         for (int64_t at = 0; at < static_cast<int64_t>(storage_.size()); ++at) {
             const int64_t inside = at - margin;
@@ -138,8 +139,6 @@ class matrix {
         return true;
     }
 
-    bool operator==(const matrix &other) const { return storage_ == other.storage_; }
-
   private:
     static constexpr int64_t margin = 3;
     static T canary() { return T(-77); }
@@ -148,66 +147,83 @@ class matrix {
 
 /// n elements at distances inc, in the order of the BLAS: with a negative increment from the far end
 template <class T>
-class strided {
-  public:
+struct strided : matrix<T> {
     int64_t n, inc;
 
     strided(int64_t length, int64_t increment)
-        : n(length), inc(increment), storage_(1 + std::max<int64_t>(n, 1) * std::abs(inc), T(-77))
+        : matrix<T>(1, length, std::abs(increment)), n(length), inc(increment)
     {
-        for (int64_t i = 0; i < n; ++i)
-            (*this)[i] = random_element<T>();
     }
-
-    T *data() { return storage_.data(); }
-    T &operator[](int64_t i) { return storage_[place(i)]; }
-    const T &operator[](int64_t i) const { return storage_[place(i)]; }
-
-    bool gaps_are_whole() const
-    {
-        for (int64_t at = 0; at < static_cast<int64_t>(storage_.size()); ++at)
-            if ((at % std::abs(inc) != 0 || at / std::abs(inc) >= n) && storage_[at] != T(-77))
-                return false;
-        return true;
-    }
-
-  private:
-    int64_t place(int64_t i) const { return inc > 0 ? i * inc : (i - (n - 1)) * inc; }
-    std::vector<T> storage_;
+    T &operator[](int64_t i) { return (*this)(0, inc > 0 ? i : n - 1 - i); }
+    const T &operator[](int64_t i) const { return (*this)(0, inc > 0 ? i : n - 1 - i); }
 };
 
-/// Element (i, j) of op(A)
+/// What beta meets: with a beta of 0 it isn't read, so NaN stands there.
+template <class T, class M>
+M output(M old, const T &beta)
+{
+    if (beta == T(0))
+        old.for_each([](int64_t, int64_t, T &element) { element = not_a_number<T>(); });
+    return old;
+}
+
+/// The triangle that uplo and diag make of A, with `outside` where it isn't read and `unit` on a diagonal
+/// that isn't
 template <class T>
-wide op(const matrix<T> &a, char trans, int64_t i, int64_t j)
+matrix<T> triangle(matrix<T> a, char uplo, char diag, const T &outside, const T &unit)
 {
-    if (trans == 'N')
-        return widen(a(i, j));
-    return trans == 'C' ? std::conj(widen(a(j, i))) : widen(a(j, i));
+    a.for_each([&](int64_t i, int64_t j, T &element) {
+        if (i == j ? diag == 'U' : (uplo == 'U') != (i < j))
+            element = i == j ? unit : outside;
+    });
+    return a;
 }
 
-/// The triangle that uplo and diag make of A, as a whole matrix
+/// A matrix in extended precision
+struct wide_matrix {
+    int64_t rows, columns;
+    std::vector<wide> elements;
+
+    wide_matrix(int64_t m, int64_t n) : rows(m), columns(n), elements(m * n) {}
+    wide &operator()(int64_t i, int64_t j) { return elements[i + j * rows]; }
+    const wide &operator()(int64_t i, int64_t j) const { return elements[i + j * rows]; }
+};
+
+/// op(A)
 template <class T>
-matrix<T> triangle(const matrix<T> &a, char uplo, char diag)
+wide_matrix op(const matrix<T> &a, char trans)
 {
-    matrix<T> whole = a;
-    for (int64_t j = 0; j < a.columns; ++j)
-        for (int64_t i = 0; i < a.rows; ++i)
-            if (i == j ? diag == 'U' : (uplo == 'U') != (i < j))
-                whole(i, j) = T(i == j);
-    return whole;
+    const bool stands = trans == 'N';
+    wide_matrix result(stands ? a.rows : a.columns, stands ? a.columns : a.rows);
+    for (int64_t j = 0; j < result.columns; ++j)
+        for (int64_t i = 0; i < result.rows; ++i) {
+            const wide element = widen(stands ? a(i, j) : a(j, i));
+            result(i, j) = trans == 'C' ? std::conj(element) : element;
+        }
+    return result;
 }
 
-/// Element (i, j) of a product whose factors are given by their elements
-inline wide inner(int64_t k, const std::function<wide(int64_t)> &left,
-                  const std::function<wide(int64_t)> &right)
+/// x as a column
+template <class T>
+wide_matrix op(const strided<T> &x)
 {
-    wide sum = 0;
-    for (int64_t p = 0; p < k; ++p)
-        sum += left(p) * right(p);
-    return sum;
+    wide_matrix result(x.n, 1);
+    for (int64_t i = 0; i < x.n; ++i)
+        result(i, 0) = widen(x[i]);
+    return result;
 }
 
-/// Expects `actual` within so many units of rounding of a value whose terms are about `terms` in number.
+inline wide_matrix operator*(const wide_matrix &a, const wide_matrix &b)
+{
+    wide_matrix c(a.rows, b.columns);
+    for (int64_t j = 0; j < c.columns; ++j)
+        for (int64_t p = 0; p < a.columns; ++p)
+            for (int64_t i = 0; i < c.rows; ++i)
+                c(i, j) += a(i, p) * b(p, j);
+    return c;
+}
+
+/// Expects `actual` within so many units of rounding of a value that is a sum of so many terms.
 template <class T>
 void expect_close(const T &actual, const wide &expected, int64_t terms, const std::string &what)
 {
@@ -217,22 +233,30 @@ void expect_close(const T &actual, const wide &expected, int64_t terms, const st
         << what << ": got " << actual << ", expected " << expected;
 }
 
-/// Every element of C, and the padding around them
-template <class T, class Expected>
-void expect_matrix(const matrix<T> &c, int64_t terms, const std::string &what, const Expected &expected)
+/// Expects alpha*product + beta*old in C, and nothing outside of it.
+template <class T>
+void expect_update(const matrix<T> &c, const T &alpha, const wide_matrix &product, const T &beta,
+                   const matrix<T> &old, int64_t terms, const std::string &what)
 {
     for (int64_t j = 0; j < c.columns; ++j)
-        for (int64_t i = 0; i < c.rows; ++i)
-            expect_close(c(i, j), expected(i, j), terms,
+        for (int64_t i = 0; i < c.rows; ++i) {
+            const wide kept = beta == T(0) ? wide(0) : widen(beta) * widen(old(i, j));
+            expect_close(c(i, j), widen(alpha) * product(i, j) + kept, terms,
                          what + " (" + std::to_string(i) + "," + std::to_string(j) + ")");
-    EXPECT_TRUE(c.padding_is_whole()) << what;
+        }
+    EXPECT_TRUE(c.canaries_live()) << what;
 }
 
-/// Arguments of routines are addresses; this gives a value one.
-template <class V>
-const V *by_address(const V &value)
+/// The same for a vector
+template <class T>
+void expect_update(const strided<T> &y, const T &alpha, const wide_matrix &product, const T &beta,
+                   const strided<T> &old, int64_t terms, const std::string &what)
 {
-    return &value;
+    for (int64_t i = 0; i < y.n; ++i) {
+        const wide kept = beta == T(0) ? wide(0) : widen(beta) * widen(old[i]);
+        expect_close(y[i], widen(alpha) * product(i, 0) + kept, terms, what + " " + std::to_string(i));
+    }
+    EXPECT_TRUE(y.canaries_live()) << what;
 }
 
 } // namespace blas_test

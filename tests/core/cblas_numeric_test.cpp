@@ -169,7 +169,7 @@ void turn_options(c_call &call, int64_t by)
     for (c_argument &each : call.arguments)
         for (int64_t g = 0; each.kind == "C" && g < call.groups; ++g) {
             const option_range range = options_of(each.name);
-            call.set(each.name, range.first + (g + by) % range.count, g);
+            call.set(each.name, range.first + (g + by + each.name.back()) % range.count, g);
         }
 }
 

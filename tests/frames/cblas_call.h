@@ -248,9 +248,9 @@ class c_call {
             {"layout", 102},  {"m", 5},         {"n", 7},        {"k", 4},
             {"kl", 2},        {"ku", 1},        {"incx", 2},     {"incy", -3},
             {"incx1", -2},    {"incx2", 3},     {"incy1", 1},    {"incy2", -2},
-            {"stridea", 100}, {"strideb", 100}, {"stridex", 50}, {"batch_size", 2}};
+            {"stridea", 100}, {"strideb", 110}, {"stridex", 50}, {"batch_size", 2}};
         if (kind == "c" || kind == "C")
-            return options_of(name).first + g % 2;
+            return options_of(name).first + (kind == "C" ? (g + name.back()) % 2 : 0);
         if (name == "group_count")
             return groups;
         if (name == "group_size")

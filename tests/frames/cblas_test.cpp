@@ -436,8 +436,10 @@ TEST_F(cblas, places_count_from_zero)
         call.set("n", 0);
         EXPECT_EQ(call.make<int64_t>(), 0);
         call.set("n", 7);
-        call.set("incx", -1);
-        EXPECT_EQ(call.make<int64_t>(), 0);
+        for (const int64_t incx : {0, -1}) {
+            call.set("incx", incx);
+            EXPECT_EQ(call.make<int64_t>(), 0);
+        }
         EXPECT_EQ(recorded.calls.size(), 1u);
     }
 }
