@@ -4,6 +4,10 @@ set(XKL_SERVICE_TABLES ${PROJECT_SOURCE_DIR}/src/service/service.tbl)
 set(XKL_BLAS_TABLE_NAMES level1 sparse1 level2 level3 batch extensions)
 list(TRANSFORM XKL_BLAS_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/blas/ OUTPUT_VARIABLE XKL_BLAS_TABLES)
 list(TRANSFORM XKL_BLAS_TABLES APPEND .tbl)
+set(XKL_LAPACK_TABLE_NAMES
+    general symmetric triangular orthogonal auxiliary functions matgen deprecated)
+list(TRANSFORM XKL_LAPACK_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapack/ OUTPUT_VARIABLE XKL_LAPACK_TABLES)
+list(TRANSFORM XKL_LAPACK_TABLES APPEND .tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 
 set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sources

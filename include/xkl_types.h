@@ -101,6 +101,10 @@ typedef int32_t (*xkl_progress_handler)(const int64_t *thread, const int64_t *st
 /* Decides what replaces a pivot that is smaller than the threshold. */
 typedef int32_t (*xkl_pivot_handler)(const double *pivot, double *replaced, const double *threshold);
 
+/* Tells whether an eigenvalue is selected, from its parts: (re, im) or (w) for one matrix, (alphar, alphai,
+ * beta) or (alpha, beta) for a pair, all by address. The result is a logical, as wide as an integer. */
+typedef int64_t (*xkl_select_function)(const void *, const void *, const void *);
+
 /* Called with the exit code when the library must end the process. */
 typedef void (*xkl_exit_handler)(int code);
 

@@ -126,6 +126,8 @@ std::string c_type(const argument &arg, char element)
         return arg.written ? "void **" : "void *const *";
     if (arg.kind == "info")
         return "int64_t *";
+    if (arg.kind == "p")
+        return "xkl_select_function ";
     return constant(arg) + c_element(arg.kind, element) + " *";
 }
 
@@ -179,6 +181,11 @@ bool is_character(const argument &arg)
     return arg.kind == "c" || arg.kind == "C";
 }
 
+bool is_array(const argument &arg)
+{
+    return !is_storage(arg.kind) && !is_verbatim(arg.kind) && !is_scalar(arg.kind) && arg.kind != "P";
+}
+
 std::string value_type(const argument &arg)
 {
     return arg.kind == "j" ? "int32_t " : arg.kind == "q" ? "size_t " : "void *";
@@ -207,6 +214,8 @@ std::string fortran_declaration(const argument &arg, char element, std::string &
     switch (kind_letter(arg.kind)) {
     case 'c':
         return "character" + intent;
+    case 'p':
+        return "logical(8), external :: ";
     case 'i':
         return "integer(8)" + intent;
     case 'l':

@@ -33,6 +33,7 @@ std::string fortran_declaration(const argument &arg, char element, std::string &
 std::string fortran_result(const routine &row);
 
 bool is_character(const argument &arg); // has a hidden length
+bool is_array(const argument &arg);
 
 /// Kinds j, q, v: values that the Fortran spellings of a service routine read through their address.
 bool is_service_value(const argument &arg);

@@ -20,6 +20,7 @@ name_list with_64(const std::string &upper, const std::string &lower)
 const std::map<std::string, name_list (*)(const std::string &, const std::string &)> spelling_rules = {
     {"blas", with_64},
     {"extension", with_64},
+    {"lapack", with_64},
     {"timer", with_64},
     {"lsame", with_64},
     {"direct",
@@ -72,6 +73,8 @@ std::string body_symbol(const routine &row)
 {
     if (row.spellings == "blas")
         return "xkl_blas__" + row.lower();
+    if (row.spellings == "lapack")
+        return "xkl_lapack__" + row.lower() + "_";
     if (row.frame.kind == "forward-mixed")
         return mixed_body(row);
     return public_spellings(row).front();
@@ -80,6 +83,8 @@ std::string body_symbol(const routine &row)
 name_list other_spellings(const routine &row)
 {
     name_list names = public_spellings(row);
+    if (row.spellings == "lapack")
+        names.push_back("xkl_lapack__" + row.lower() + "_64_");
     if (row.spellings == "lsame")
         names.push_back("xkl_lapack__" + row.lower() + "_");
     if (!mixed_spelling(row).empty() && !reads_values(row))

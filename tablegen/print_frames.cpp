@@ -44,7 +44,9 @@ void print_row(std::ostream &out, const routine &row)
             << "    static constexpr char kinds[] = " << quoted(trace_kinds(row)) << ";\n"
             << "    static inline constinit xkl::verbose_flag flag{};\n";
     if (row.frame.kind == "checked") {
-        out << "    static constexpr char reported_name[] = " << quoted(reported_name(row)) << ";\n"
+        const bool sets_info = !row.arguments.empty() && row.arguments.back().kind == "info";
+        out << "    static constexpr bool sets_info = " << (sets_info ? "true" : "false") << ";\n"
+            << "    static constexpr char reported_name[] = " << quoted(reported_name(row)) << ";\n"
             << "    static constexpr auto &checker = " << checker(row) << ";\n"
             << "    using check = xkl::checks::" << row.frame.rule << ";\n";
         if (row.has_result())
@@ -133,7 +135,7 @@ void print_frame_header(std::ostream &out, const routines &rows)
         << "#pragma once\n#include \"xkl_" << rows.front().family << ".h\"\n#include \"core_"
         << rows.front().family << ".h\"\nextern \"C\" {\n";
     for (const routine &row : rows) {
-        if (row.spellings == "blas")
+        if (body_symbol(row) != public_spellings(row).front())
             out << "decltype(" << row.lower() << ") " << body_symbol(row) << ";\n";
         if (row.frame.kind == "checked")
             out << "int64_t " << checker(row) << "(" << core_parameter_list(row) << ");\n";

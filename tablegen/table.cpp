@@ -68,6 +68,8 @@ class reader {
     std::string place() const { return file_ + ":" + std::to_string(line_); }
     const std::string &about() const { return about_; }
 
+    bool has_setting(const std::string &name) const { return settings_.contains(name); }
+
     const std::string &setting(const std::string &name) const
     {
         const auto found = settings_.find(name);
@@ -81,9 +83,9 @@ class reader {
   private:
     void directive(const words &columns)
     {
-        static const std::set<std::string> known = {"@family", "@spellings"};
+        static const std::set<std::string> known = {"@family", "@spellings", "@arrays"};
         if (columns.size() != 2 || !known.contains(columns[0]))
-            fail("a directive is `@family NAME` or `@spellings RULE`");
+            fail("a directive is `@family NAME`, `@spellings RULE` or `@arrays written`");
         if (columns[0] == "@spellings" && !spelling_rule_exists(columns[1]))
             fail("there is no spelling rule `" + columns[1] + "` (tablegen/names.cpp has them)");
         settings_[columns[0].substr(1)] = columns[1];
@@ -109,11 +111,11 @@ frame_spec parse_frame(const reader &at, std::string text)
     }
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
-    static const std::set<std::string> known = {"checked", "traced",        "through",
+    static const std::set<std::string> known = {"checked", "registered",    "traced", "through",
                                                 "forward", "forward-mixed", "own"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
-                "`; frames are checked, traced, through, forward, forward-mixed, own");
+                "`; frames are checked, registered, traced, through, forward, forward-mixed, own");
     if ((frame.kind == "checked") != !frame.rule.empty() && frame.kind != "forward")
         at.fail("a checked frame, and no other, names its checks: `checked:gemm`");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
@@ -205,6 +207,9 @@ void read_table(const std::string &file, std::vector<routine> &routines)
         row.frame = parse_frame(at, columns[2]);
         parse_result(at, columns[3], row);
         row.arguments = parse_arguments(at, columns.begin() + 4, columns.end());
+        if (at.has_setting("arrays")) // no table tells which arrays these routines only read
+            for (argument &each : row.arguments)
+                each.written = each.written || is_array(each);
         row.family = family;
         row.spellings = at.setting("spellings");
         row.about = at.about();

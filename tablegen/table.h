@@ -23,7 +23,7 @@ struct argument {
 
 /// What follows the name and the types in a row: `checked-group:gemm_batch/bare`.
 struct frame_spec {
-    std::string kind;   // checked, traced, through, forward, own, or a shape of the C interface
+    std::string kind;   // checked, registered, traced, through, forward, own
     bool group = false; // group batch: one value a group, and a trailing 0 to checker and core
     std::string rule;   // the checker's rule, or the step that a forwarder takes first
     std::string option; // `bare`: reported without trailing blank; forwarders: the mixed-case name

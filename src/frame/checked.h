@@ -10,14 +10,24 @@
 
 extern "C" void cdecl_xerbla(const char *name, const int64_t *position, int64_t length);
 
-namespace xkl
+namespace xkl {
+
+/// Stores what a check found where the list ends with info: 0, or minus the place of the bad argument.
+template <class Row, class... A>
+[[gnu::always_inline]] inline void store_info(int64_t position, A... arguments)
 {
+    if constexpr (Row::sets_info) {
+        int64_t *const info = (arguments, ...);
+        *info = -position;
+    }
+}
 
 /// Body of an exported checker: 0, or 1 after the report of the first bad argument.
 template <class Row, class... A>
 int64_t report_first_bad(A... arguments)
 {
     const int64_t position = Row::check::template first_bad<core_letters>(arguments...);
+    store_info<Row>(position, arguments...);
     if (position == 0)
         return 0;
     xkl_serv_xerbla(Row::reported_name, &position, sizeof(Row::reported_name) - 1);
@@ -60,6 +70,7 @@ template <class Row, class... A>
     const int32_t mode = Row::flag.read();
     if (Row::check::template first_bad<inline_letters>(arguments...) != 0) [[unlikely]]
         return doubted_call<Row>(mode, arguments...);
+    store_info<Row>(0, arguments...);
     if (mode != 0) [[unlikely]]
         return good_flagged_call<Row>(mode, arguments...);
     return call_core<Row>(arguments...);

@@ -2,5 +2,6 @@
 #pragma once
 
 #include "frame/checked.h"
+#include "frame/registered.h"
 #include "frame/through.h"
 #include "frame/traced.h"

@@ -10,10 +10,10 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 
-namespace xkl
-{
+namespace xkl {
 
 constexpr int blas_domain = 2; // domain code of BLAS, LAPACK and statistics lines
 
@@ -23,8 +23,7 @@ inline constinit const int32_t unfetched_flag = -1;
 /// that finds -1 fetches the address of the core's live flag and keeps it for the life of the process.
 /// Racing threads store the same address, so the pointer is a relaxed atomic, and so is the flag behind it,
 /// which the core may change at any time.
-class verbose_flag
-{
+class verbose_flag {
   public:
     [[gnu::always_inline]] int32_t read() const
     {
@@ -45,14 +44,23 @@ class verbose_flag
 
 /// The time that a traced call takes. A clock that reads exactly 0.0 at the start stands for "no clock":
 /// the elapsed time is then reported as minus that start, without a second reading.
-class stopwatch
-{
+class stopwatch {
   public:
     double elapsed() const { return -start_ != 0 ? xkl_serv_dsecnd() - start_ : -start_; }
 
   private:
     double start_ = xkl_serv_dsecnd();
 };
+
+/// Any argument as an address: data, or a procedure.
+template <class T>
+const void *as_address(T *argument)
+{
+    if constexpr (std::is_function_v<T>)
+        return reinterpret_cast<const void *>(argument);
+    else
+        return argument;
+}
 
 /// An argument as the trace line prints it: a character, an integer (0 for a null address), or an address.
 template <char Kind>
@@ -77,7 +85,7 @@ void print_trace_line(const stopwatch &watch, A... arguments)
     char line[size];
     [&]<std::size_t... I>(std::index_sequence<I...>)
     {
-        xkl_serv_snprintf_s(line, size, size - 1, Row::format, printed<Row::kinds[I]>(arguments)...);
+        xkl_serv_snprintf_s(line, size, size - 1, Row::format, printed<Row::kinds[I]>(as_address(arguments))...);
     }
     (std::index_sequence_for<A...>{});
     line[size - 1] = 0;
