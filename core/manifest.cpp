@@ -14,8 +14,8 @@ extern "C" {
 /// Fills in entry `index`, from 0; returns 0 past the end.
 int64_t xkl_core_manifest(int64_t index, const char **family, const char **entry, const char **provider)
 {
-    static constexpr const char *names[] = {"none", "openblas", "own"};
-    for (const manifest_part &part : {blas_manifest, service_manifest}) {
+    static constexpr const char *names[] = {"none", "openblas", "tmglib", "own"};
+    for (const manifest_part &part : {blas_manifest, lapack_manifest, service_manifest}) {
         const auto count = static_cast<int64_t>(part.count);
         if (index < count) {
             const manifest_entry &found = part.entries[index];

@@ -3,12 +3,12 @@
 
 #include <cstddef>
 
-namespace xkl::core
-{
+namespace xkl::core {
 
 enum class provider {
     none,     // a stand-in that names itself and ends the process
     openblas, // forwarded to OpenBLAS
+    tmglib,   // forwarded to the test-matrix generators of the reference LAPACK
     own       // written in core/
 };
 
@@ -24,6 +24,7 @@ struct manifest_part {
 };
 
 extern const manifest_part blas_manifest;
+extern const manifest_part lapack_manifest;
 extern const manifest_part service_manifest;
 
 } // namespace xkl::core

@@ -235,6 +235,8 @@ std::string fortran_result(const routine &row)
         return "integer(8)";
     if (row.result == "logical")
         return "logical(8)";
+    if (row.result == "char") // its code: compilers expect character functions to fill a hidden argument
+        return "integer(1)";
     if (row.result == "r4" || row.result == "r8")
         return row.result == "r4" ? "real(4)" : "real(8)";
     const std::string width = row.element == 'D' || row.element == 'Z' ? "(8)" : "(4)";

@@ -121,7 +121,7 @@ void print_null_core(std::ostream &out, const routines &rows)
 
 void print_recording_core(std::ostream &out, const routines &rows)
 {
-    out << "#include \"recorder.h\"\n\nextern \"C\" {\n";
+    out << "#include \"recorder.h\"\n#include \"xkl_types.h\"\n\nextern \"C\" {\n";
     for (const routine &row : with_entries(rows)) {
         const int words = entry_words(row);
         // Addresses come back as the integers that they are.
@@ -137,6 +137,8 @@ void print_recording_core(std::ostream &out, const routines &rows)
         out << "});\n";
         if (result == "float" || result == "double")
             out << "    return static_cast<" << result << ">(recorded_real());\n";
+        else if (row.result == "complex")
+            out << "    return recorded_complex<" << result << ">();\n";
         else if (result != "void")
             out << "    return recorded_integer();\n";
         out << "}\n";

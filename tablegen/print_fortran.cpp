@@ -30,8 +30,9 @@ void print_interface(std::ostream &out, const routine &row)
 {
     const bool function = row.result != "-";
     const std::string kind = function ? "function" : "subroutine";
-    out << "    ! " << row.about << "\n    "
-        << wrapped(kind + " " + row.lower() + "(" + argument_names(row.arguments) + ")") << "\n";
+    if (!row.about.empty())
+        out << "    ! " << row.about << "\n";
+    out << "    " << wrapped(kind + " " + row.lower() + "(" + argument_names(row.arguments) + ")") << "\n";
     for (const argument &each : row.arguments) {
         std::string shape;
         const std::string declaration = fortran_declaration(each, row.element, shape);

@@ -32,10 +32,15 @@ void print_aliases(std::ostream &out, const routine &row)
             << "\")));\n";
 }
 
+/// A name that no routine has: there are routines ending in _ROW.
+std::string row_structure(const routine &row)
+{
+    return "row_of_" + row.lower();
+}
+
 void print_row(std::ostream &out, const routine &row)
 {
-    const std::string lower = row.lower();
-    out << "struct " << lower << "_row {\n"
+    out << "struct " << row_structure(row) << " {\n"
         << "    static constexpr auto &core = " << core_entry(row) << ";\n"
         << "    static constexpr int hidden_lengths = " << hidden_lengths(row) << ";\n"
         << "    static constexpr bool group = " << (row.frame.group ? "true" : "false") << ";\n";
@@ -66,7 +71,7 @@ void print_checker(std::ostream &out, const routine &row)
         parameters += "int64_t, ";
     parameters.resize(parameters.size() - 2);
     out << "extern \"C\" int64_t " << checker(row) << "(" << parameters << ")\n{\n"
-        << "    return xkl::report_first_bad<" << row.lower() << "_row>("
+        << "    return xkl::report_first_bad<" << row_structure(row) << ">("
         << argument_names(all_arguments(row)) << ");\n}\n";
 }
 
@@ -122,7 +127,7 @@ void print_frames(std::ostream &out, const routines &rows, const std::string &ch
             print_checker(out, row);
         out << "extern \"C\" " << c_result(row) << " " << body_symbol(row) << "(" << parameter_list(row)
             << ")\n{\n"
-            << "    return xkl::" << row.frame.kind << "_frame<" << row.lower() << "_row>("
+            << "    return xkl::" << row.frame.kind << "_frame<" << row_structure(row) << ">("
             << argument_names(all_arguments(row)) << ");\n}\n";
         print_aliases(out, row);
     }

@@ -5,6 +5,7 @@
 #include "printers.h"
 
 #include <algorithm>
+#include <map>
 #include <ostream>
 
 namespace tablegen {
@@ -77,17 +78,26 @@ const char blas_text[] =
     "   the end. A bad argument is reported to xerbla with the routine's name and the argument's\n"
     "   place in the list, from 1; nothing is then written. The complex dot products put their\n"
     "   result at the address that leads their list";
+const char lapack_text[] =
+    "the Fortran interface of LAPACK, as C sees it. Arguments, integers and matrices are\n"
+    "   as in xkl_blas.h; logicals are as wide as integers. Each list is that of the reference LAPACK.\n"
+    "   info tells how it went: 0 done, -i argument i was bad (and reported to xerbla), above 0 the\n"
+    "   computation did not succeed, as the routine's own documentation tells. A workspace size of -1\n"
+    "   asks for the best sizes, which come back in the first elements of the workspaces. Complex\n"
+    "   functions return their values";
 const char service_text[] =
     "the library's own controls: version, threads, memory, tracing, reproducible\n"
     "   results, callbacks. Upper- and lower-case spellings are for Fortran and read values through\n"
     "   addresses; mixed-case spellings are for C and take values";
+const std::map<std::string, const char *> family_texts = {
+    {"blas", blas_text}, {"lapack", lapack_text}, {"service", service_text}};
 
 } // namespace
 
 void print_c_header(std::ostream &out, const routines &rows, const std::string &header)
 {
     const bool service = rows.front().family == "service";
-    print_prologue(out, header, service ? service_text : blas_text);
+    print_prologue(out, header, family_texts.at(rows.front().family));
     std::string about;
     for (const routine &row : rows) {
         if (row.about != about)

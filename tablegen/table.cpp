@@ -266,12 +266,13 @@ std::vector<shaped> read_shapes(const std::string &file, const std::vector<routi
 std::vector<provider> read_providers(const std::vector<std::string> &files,
                                      const std::vector<routine> &base)
 {
+    static const std::set<std::string> known = {"openblas", "tmglib", "own"};
     std::vector<provider> result;
     for (const std::string &file : files) {
         reader at(file);
         for (words columns = at.next(); !columns.empty(); columns = at.next()) {
-            if (columns.size() != 3 || (columns[2] != "openblas" && columns[2] != "own"))
-                at.fail("a row has the columns name, types, and `openblas` or `own`");
+            if (columns.size() != 3 || !known.contains(columns[2]))
+                at.fail("a row has the columns name, types, and `openblas`, `tmglib` or `own`");
             for (const instance &one : expand(at, columns[0], columns[1]))
                 result.push_back({find(at, base, one.name).name, columns[2]});
         }

@@ -42,10 +42,6 @@ F *from_core(const char *name)
     return reinterpret_cast<F *>(dlsym(RTLD_DEFAULT, name));
 }
 
-struct served {
-    int by_library = 0, own = 0, missing = 0;
-};
-
 int print_missing()
 {
     auto *manifest = from_core<manifest_type>("xkl_core_manifest");
@@ -67,18 +63,15 @@ void print_served()
         std::printf("\nThis core does not tell who serves its entries.\n");
         return;
     }
-    std::map<std::string, served> families;
+    std::map<std::string, std::map<std::string, int>> families; // how many entries a provider serves
     const char *family, *entry, *provider;
-    for (int64_t i = 0; manifest(i, &family, &entry, &provider); ++i) {
-        served &counted = families[family];
-        const bool missing = std::strcmp(provider, "none") == 0;
-        const bool own = std::strcmp(provider, "own") == 0;
-        ++(missing ? counted.missing : own ? counted.own : counted.by_library);
-    }
-    std::printf("\n%-12s %10s %10s %10s\n", "core entries", "OpenBLAS", "own code", "missing");
-    for (const auto &[name, counted] : families)
-        std::printf("%-12s %10d %10d %10d\n", name.c_str(), counted.by_library, counted.own,
-                    counted.missing);
+    for (int64_t i = 0; manifest(i, &family, &entry, &provider); ++i)
+        ++families[family][provider];
+    std::printf("\n%-12s %10s %10s %10s %10s\n", "core entries", "OpenBLAS", "tmglib", "own code",
+                "missing");
+    for (auto &[name, by] : families)
+        std::printf("%-12s %10d %10d %10d %10d\n", name.c_str(), by["openblas"], by["tmglib"], by["own"],
+                    by["none"]);
     std::printf(
         "A missing entry ends the process with a line that names it; `xkl info --missing` lists them.\n");
 }

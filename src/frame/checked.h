@@ -12,14 +12,21 @@ extern "C" void cdecl_xerbla(const char *name, const int64_t *position, int64_t 
 
 namespace xkl {
 
+template <class First, class... Rest>
+[[gnu::always_inline]] inline auto last_of([[maybe_unused]] First first, Rest... rest)
+{
+    if constexpr (sizeof...(rest) == 0)
+        return first;
+    else
+        return last_of(rest...);
+}
+
 /// Stores what a check found where the list ends with info: 0, or minus the place of the bad argument.
 template <class Row, class... A>
 [[gnu::always_inline]] inline void store_info(int64_t position, A... arguments)
 {
-    if constexpr (Row::sets_info) {
-        int64_t *const info = (arguments, ...);
-        *info = -position;
-    }
+    if constexpr (Row::sets_info)
+        *last_of(arguments...) = -position;
 }
 
 /// Body of an exported checker: 0, or 1 after the report of the first bad argument.

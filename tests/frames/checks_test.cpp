@@ -1,287 +1,41 @@
 // Every exported checker against the table of argument tests: calls with random arguments, good and bad,
 // must get the verdict that the table gives, and the frame above the checker must call the core or not
 // accordingly.
-#include "conditions.h"
-#include "recorder.h"
-#include "routine_call.h"
+#include "random_calls.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <limits>
 #include <map>
-#include <random>
 #include <set>
 
 namespace {
 
-using conditions::number;
-using conditions::numbers;
-using conditions::term;
+using namespace random_calls;
 
 constexpr unsigned seed = 20240607;
 constexpr int trials = 2000; // of each routine
-constexpr int64_t largest = std::numeric_limits<int64_t>::max();
-constexpr int64_t smallest = std::numeric_limits<int64_t>::min();
 
 const std::vector<conditions::tested_routine> &table()
 {
-    static const auto read = conditions::read_table(XKL_TEST_DATA "/blas_checks.tbl");
+    static const auto read = [] {
+        auto blas = conditions::read_table(XKL_TEST_DATA "/blas_checks.tbl");
+        const auto lapack = conditions::read_table(XKL_TEST_DATA "/lapack_checks.tbl");
+        blas.insert(blas.end(), lapack.begin(), lapack.end());
+        return blas;
+    }();
     return read;
 }
 
 std::map<std::string, const routine_row *> checked_rows()
 {
     std::map<std::string, const routine_row *> rows;
-    for (int i = 0; i < blas_row_count; ++i)
-        if (*blas_rows[i].checker)
-            rows[blas_rows[i].name] = &blas_rows[i];
+    for (const auto family : {blas_routines(), lapack_routines()})
+        for (const routine_row &row : family)
+            if (*row.checker)
+                rows[row.name] = &row;
     return rows;
-}
-
-/// A routine, its tests ready to be evaluated.
-struct model {
-    model(const conditions::tested_routine &tested, const routine_row &row)
-        : routine(tested), row(row), names(split(row.names)), kinds(split(row.kinds)),
-          checker(exported(row.checker)), frame(exported(row.body))
-    {
-        for (const conditions::argument_test &test : tested.tests)
-            bad.push_back(conditions::parse(test.condition, names));
-        const auto found = std::find(names.begin(), names.end(), "group_count");
-        group_count = static_cast<std::size_t>(found - names.begin());
-    }
-
-    bool is_letter(std::size_t i) const { return kinds[i] == "c" || kinds[i] == "C"; }
-    bool is_integer(std::size_t i) const { return kinds[i] == "i" || kinds[i] == "I"; }
-    bool is_array(std::size_t i) const { return kinds[i] == "C" || kinds[i] == "I"; }
-    std::size_t target(std::size_t test) const { return routine.tests[test].position - 1; }
-
-    const conditions::tested_routine &routine;
-    const routine_row &row;
-    const std::vector<std::string> names, kinds;
-    void *const checker, *const frame;
-    std::vector<term> bad;   // one a test: when the argument is bad
-    std::size_t group_count; // its number, or that of the arguments if there is none
-};
-
-/// The arguments of one call: an entry each, or one for each group. Arrays and handles have only an
-/// address.
-struct drawn_call {
-    std::vector<std::vector<int64_t>> entries;
-    std::size_t groups;
-
-    numbers of_group(std::size_t group) const
-    {
-        numbers values;
-        for (const auto &entry : entries)
-            values.push_back(entry.empty() ? number{0} : entry[std::min(group, entry.size() - 1)]);
-        return values;
-    }
-
-    /// The number of the first test that fails, or that of all tests.
-    std::size_t first_failure(const model &of) const
-    {
-        std::vector<numbers> values;
-        for (std::size_t group = 0; group < std::max(groups, std::size_t{1}); ++group)
-            values.push_back(of_group(group));
-        const auto fails = [&](std::size_t test) {
-            const std::size_t read = of.routine.tests[test].each_group ? groups : 1;
-            return std::any_of(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(read),
-                               [&](const numbers &of_one) { return evaluate(of.bad[test], of_one) != 0; });
-        };
-        std::size_t test = 0;
-        while (test < of.bad.size() && !fails(test))
-            ++test;
-        return test;
-    }
-};
-
-/// An address for the argument with the number i, behind which nothing may be read.
-int64_t unreadable(std::size_t i)
-{
-    return static_cast<int64_t>(64 * (i + 1));
-}
-
-/// Draws calls. Good ones are made so by the table's conditions alone, test after test.
-class dice {
-  public:
-    explicit dice(unsigned start) : bits_(start) {}
-
-    std::size_t below(std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(bits_); }
-    bool chance(std::size_t percent) { return below(100) < percent; }
-
-    drawn_call draw(const model &of)
-    {
-        drawn_call call;
-        const bool grouped = of.group_count < of.names.size();
-        call.groups = grouped ? below(5) : 1;
-        for (std::size_t i = 0; i < of.names.size(); ++i) {
-            call.entries.emplace_back(of.is_array(i) ? call.groups : 1);
-            for (int64_t &entry : call.entries.back())
-                entry = of.is_letter(i)    ? "NnTtCcUuLlRrAaBbFfPp"[below(20)]
-                        : of.is_integer(i) ? size()
-                                           : unreadable(i);
-        }
-        if (grouped)
-            call.entries[of.group_count][0] = static_cast<int64_t>(call.groups);
-        return call;
-    }
-
-    /// Makes every argument good that can be; bounds beyond all integers stay broken.
-    void mend(const model &of, drawn_call &call)
-    {
-        for (std::size_t test = 0; test < of.bad.size(); ++test) {
-            std::vector<int64_t> &entries = call.entries[of.target(test)];
-            if (of.target(test) == of.group_count) // drawn good
-                continue;
-            for (std::size_t group = 0; group < entries.size(); ++group)
-                if (chance(20) || conditions::evaluate(of.bad[test], call.of_group(group)) != 0)
-                    set(entries[group], of.bad[test], call.of_group(group), true);
-        }
-    }
-
-    /// Makes the argument of one test bad, in one group where it has several.
-    void spoil(const model &of, drawn_call &call, std::size_t test)
-    {
-        const std::size_t target = of.target(test);
-        std::vector<int64_t> &entries = call.entries[target];
-        if (entries.empty())
-            return;
-        const std::size_t group = below(entries.size());
-        set(entries[group], of.bad[test], call.of_group(group), false);
-        if (target == of.group_count)
-            call.groups = 0;
-    }
-
-    /// Gives an integer a value of any size.
-    void upset(const model &of, drawn_call &call)
-    {
-        const std::size_t i = below(of.names.size());
-        std::vector<int64_t> &entries = call.entries[i];
-        if (of.is_integer(i) && i != of.group_count && !entries.empty())
-            entries[below(entries.size())] = anything();
-    }
-
-    /// Any integer, of any magnitude.
-    int64_t anything()
-    {
-        static constexpr int64_t corners[] = {smallest,         smallest + 1,     -1,          0,      1,
-                                              int64_t{1} << 31, int64_t{1} << 62, largest - 1, largest};
-        if (chance(40))
-            return corners[below(std::size(corners))];
-        return static_cast<int64_t>(bits_()) >> below(64);
-    }
-
-  private:
-    /// Mostly small enough to fit everywhere.
-    int64_t size() { return static_cast<int64_t>(chance(95) ? below(20) : bits_() >> (1 + below(62))); }
-
-    /// Gives the argument that a condition is about a value for which the condition does not hold, or one
-    /// for which it does.
-    void set(int64_t &argument, const term &condition, const numbers &values, bool good)
-    {
-        switch (condition.what) {
-        case term::inverted:
-            argument = letter(condition.parts[0].letters, good);
-            break;
-        case term::both:
-            set(argument, condition.parts[0], values, good);
-            break;
-        case term::equal:
-            argument = !good ? 0 : chance(50) ? 1 : anything() | 1;
-            break;
-        case term::less:
-            argument = beside(conditions::evaluate(condition.parts[1], values), good);
-            break;
-        default:
-            throw std::logic_error("no way to set an argument by this condition is known");
-        }
-    }
-
-    /// A value at the bound or above, or below it: mostly next to it.
-    int64_t beside(number bound, bool good)
-    {
-        const auto distance = static_cast<int64_t>(chance(70) ? 0 : below(6));
-        number value = good ? bound + distance : bound - 1 - distance;
-        if (!good && chance(20))
-            value = chance(50) ? smallest : 0;
-        return static_cast<int64_t>(std::clamp(value, number{smallest}, number{largest}));
-    }
-
-    /// A byte that is one of the letters in either case, or none of them.
-    int64_t letter(const std::string &letters, bool good)
-    {
-        if (good)
-            return letters[below(letters.size())] | (chance(50) ? 0x20 : 0);
-        for (;;) {
-            const char byte = chance(50) ? "NTCULRABFPX"[below(11)] : static_cast<char>(below(256));
-            if (letters.find(static_cast<char>(byte & 0xdf)) == std::string::npos)
-                return byte;
-        }
-    }
-
-    std::mt19937_64 bits_;
-};
-
-/// A drawn call in memory, as a caller holds it: every array has exactly its entries, and is missing if
-/// there are no groups.
-class caller {
-  public:
-    caller(const model &of, const drawn_call &call) : of_(of), call_(call)
-    {
-        for (std::size_t i = 0; i < of.names.size(); ++i) {
-            letters_.emplace_back(call.entries[i].begin(), call.entries[i].end());
-            integers_.push_back(call.entries[i]);
-            const void *address =
-                of.is_letter(i) ? static_cast<void *>(letters_[i].data()) : integers_[i].data();
-            if (of.is_array(i) && call.groups == 0)
-                address = reinterpret_cast<void *>(unreadable(i));
-            addresses_.push_back(of.is_letter(i) || of.is_integer(i) ? reinterpret_cast<int64_t>(address)
-                                                                     : call.entries[i][0]);
-        }
-    }
-
-    int64_t call_checker() const
-    {
-        words arguments = addresses_;
-        if (of_.row.group)
-            arguments.push_back(0);
-        for (std::size_t i = 0; i < of_.names.size(); ++i)
-            if (of_.is_letter(i))
-                arguments.push_back(1);
-        return call_integer(of_.checker, arguments);
-    }
-
-    int64_t call_frame() const { return call_integer(of_.frame, addresses_); }
-
-    bool untouched() const
-    {
-        for (std::size_t i = 0; i < of_.names.size(); ++i)
-            if (integers_[i] != call_.entries[i] ||
-                !std::equal(letters_[i].begin(), letters_[i].end(), call_.entries[i].begin(),
-                            [](char a, int64_t b) { return a == static_cast<char>(b); }))
-                return false;
-        return true;
-    }
-
-  private:
-    const model &of_;
-    const drawn_call &call_;
-    std::vector<std::vector<char>> letters_;
-    std::vector<std::vector<int64_t>> integers_;
-    words addresses_;
-};
-
-std::string described(const model &of, const drawn_call &call)
-{
-    std::string text = of.routine.name;
-    for (std::size_t i = 0; i < of.names.size(); ++i) {
-        text += " " + of.names[i] + "=";
-        for (const int64_t entry : call.entries[i])
-            text += std::to_string(entry) + (of.is_array(i) ? "," : "");
-    }
-    return text;
 }
 
 class checks : public testing::TestWithParam<const conditions::tested_routine *> {
@@ -306,20 +60,30 @@ class checks : public testing::TestWithParam<const conditions::tested_routine *>
         EXPECT_EQ(recorded.reports[0].position, static_cast<int64_t>(of.routine.tests[failed].position));
     }
 
+    /// What routines with info say by it.
+    static void expect_info(const model &of, const caller &program, std::size_t failed)
+    {
+        if (of.has_info()) {
+            EXPECT_EQ(program.info(), failed < of.bad.size() ? -int64_t(of.target(failed)) - 1 : 0);
+        }
+    }
+
     static void compare(const model &of, const drawn_call &call, std::size_t failed)
     {
         const bool good = failed == of.bad.size();
-        const caller program(of, call);
+        caller program(of, call);
         recorded.reports.clear();
         recorded.calls.clear();
         recorded.order.clear();
         EXPECT_EQ(program.call_checker(), good ? 0 : 1);
         expect_report(of, failed);
+        expect_info(of, program, failed);
         EXPECT_TRUE(recorded.calls.empty());
 
         recorded.reports.clear();
         const int64_t result = program.call_frame();
         expect_report(of, failed);
+        expect_info(of, program, failed);
         ASSERT_EQ(recorded.calls.size(), good ? 1u : 0u) << "calls of the core";
         if (!good && std::string(of.row.result) != "-") {
             EXPECT_EQ(static_cast<int>(result), of.row.failed_result);
@@ -365,7 +129,7 @@ std::vector<const conditions::tested_routine *> tested_routines()
     return all;
 }
 
-INSTANTIATE_TEST_SUITE_P(blas, checks, testing::ValuesIn(tested_routines()),
+INSTANTIATE_TEST_SUITE_P(tables, checks, testing::ValuesIn(tested_routines()),
                          [](const auto &info) { return info.param->name; });
 
 TEST(check_table, has_rows_for_every_checked_routine)
@@ -378,7 +142,8 @@ TEST(check_table, has_rows_for_every_checked_routine)
     for (const auto &[name, row] : checked_rows())
         checked.insert(name);
     EXPECT_EQ(in_table, checked);
-    EXPECT_EQ(checked.size(), 210u);
+    EXPECT_EQ(checked.size(), 210u + 80u) << "BLAS and LAPACK";
+    EXPECT_EQ(in_table.size(), table().size()) << "a routine has rows in both tables";
 }
 
 TEST(check_table, positions_are_those_of_the_arguments_tested)
@@ -424,6 +189,24 @@ TEST(check_table, known_verdicts)
              {"DAXPY_BATCH_STRIDED", "batch_size=-1", 9, "DAXPY_BATCH_STRIDED "},
              {"GEMM_S8U8S32_PACK_GET_SIZE", "m=-1", 2, "GEMM_S8U8S32_PACK_GET_SIZE "},
              {"GEMM_BF16BF16F32_PACK", "identifier=C", 1, "GEMM_BF16BF16F32_PACK"},
+             {"DGETRF", "m=-1", 1, "DGETRF"},
+             {"DGETRF", "m=0 lda=1", 0, ""},
+             {"DGETRF", "m=5 lda=4", 4, "DGETRF"},
+             {"DPOTRF", "uplo=u", 0, ""},
+             {"DPOTRF", "uplo=X n=-1", 1, "DPOTRF"},
+             {"DGEQRF", "m=7 n=9 lwork=-1", 0, ""},
+             {"DGEQRF", "m=3 n=4 lwork=3", 7, "DGEQRF"},
+             {"DGEQRF", "m=0 lwork=1", 0, ""},
+             {"DGEQRF", "m=0 lwork=0", 7, "DGEQRF"},
+             {"DGESVD", "jobu=O jobvt=O", 2, "DGESVD"},
+             {"DGESVD", "lwork=0", 0, ""},
+             {"DGEEV", "n=-1", 3, "DGEEV "},
+             {"DORMQR", "trans=C", 2, "DORMQR"},
+             {"ZUNMQR", "trans=C", 0, ""},
+             {"ZHEEVD", "lwork=0 liwork=-1", 0, ""},
+             {"DSYEVD", "jobz=V n=0 lwork=1 liwork=0", 10, "DSYEVD"},
+             {"DSYRDB", "kd=0 lda=0", 4, "DSYRDB"},
+             {"ZHERDB", "jobz=N ldz=0", 11, "ZHERDB"},
          }) {
         SCOPED_TRACE(std::string(known.routine) + " " + known.changes);
         arguments_of arguments(*rows.at(known.routine));
@@ -443,6 +226,9 @@ TEST(check_table, known_verdicts)
             call_integer(exported(rows.at(known.routine)->checker), arguments.addresses());
         EXPECT_EQ(verdict, known.position != 0);
         ASSERT_EQ(recorded.reports.size(), known.position != 0 ? 1u : 0u);
+        if (arguments.has_info()) {
+            EXPECT_EQ(arguments.integer(arguments.last()), -known.position);
+        }
         if (known.position != 0) {
             EXPECT_EQ(recorded.reports[0].position, known.position);
             EXPECT_EQ(recorded.reports[0].name, known.reported_name);

@@ -23,6 +23,24 @@ bool is_digit(char c)
     return c >= '0' && c <= '9';
 }
 
+__extension__ using wide = unsigned __int128;
+constexpr number highest = static_cast<number>(~static_cast<wide>(0) >> 1);
+constexpr number lowest = -highest - 1;
+
+// What is beyond all numbers stays at the last one: still on the same side of every argument.
+
+number sum_of(number a, number b)
+{
+    number result = 0;
+    return !__builtin_add_overflow(a, b, &result) ? result : b < 0 ? lowest : highest;
+}
+
+number product_of(number a, number b)
+{
+    number result = 0;
+    return !__builtin_mul_overflow(a, b, &result) ? result : (a < 0) != (b < 0) ? lowest : highest;
+}
+
 class parser {
   public:
     parser(std::string_view text, const std::vector<std::string> &names) : text_(text), names_(names) {}
@@ -334,11 +352,11 @@ number evaluate(const term &part, const numbers &arguments)
     case term::choice:
         return value(0) != 0 ? value(1) : value(2);
     case term::sum:
-        return folded([](number a, number b) { return a + b; });
+        return folded(sum_of);
     case term::product:
-        return folded([](number a, number b) { return a * b; });
+        return folded(product_of);
     case term::negated:
-        return -value(0);
+        return product_of(-1, value(0));
     case term::max:
         return folded([](number a, number b) { return std::max(a, b); });
     case term::min:

@@ -1,5 +1,5 @@
-// Every frame of the BLAS tables over the recording core: what arrives, in which order, what is reported
-// and traced.
+// Every frame of the BLAS and LAPACK tables over the recording core: what arrives, in which order, what is
+// reported and traced.
 #include "recorder.h"
 #include "routine_call.h"
 
@@ -9,38 +9,36 @@
 #include <cmath>
 #include <cstdio>
 
-namespace
-{
+namespace {
 
 using steps = std::vector<std::string>;
 
-class frame : public testing::TestWithParam<const routine_row *>
-{
+class frame : public testing::TestWithParam<const routine_row *> {
   protected:
     void SetUp() override { reset(); }
 
     const routine_row &row = *GetParam();
-    const bool checked = std::string(row.frame) == "checked";
-    const bool traced = std::string(row.frame) != "through";
+    const std::string kind = row.frame;
+    const bool registers = kind == "checked" || kind == "registered";
+    const bool traced = kind != "through";
+    const bool has_value = std::string(row.result) != "-" && std::string(row.result) != "first";
 
-    /// Calls by one spelling and returns the function's value, if it has one, as a real.
-    double call(const arguments_of &arguments, const std::string &spelling)
+    /// Calls by one spelling over a core whose functions return the value expected below.
+    std::complex<double> call(const arguments_of &arguments, const std::string &spelling)
     {
-        const std::string result = row.result;
-        void *routine = exported(spelling);
-        const bool single = result == "r4" || (result == "real" && row.name[0] == 'S');
-        if (single)
-            return call_single(routine, arguments.addresses());
-        if (result == "real" || result == "r8")
-            return call_real(routine, arguments.addresses());
-        return static_cast<double>(call_integer(routine, arguments.addresses()));
+        recorded.integer_result = 42;
+        recorded.real_result = 0.5;
+        return call_for_value(row, exported(spelling), arguments.addresses());
     }
 
-    double call(const arguments_of &arguments) { return call(arguments, row.body); }
+    std::complex<double> call(const arguments_of &arguments) { return call(arguments, row.body); }
 
-    bool returns_value() const
+    std::complex<double> expected_value() const
     {
-        return std::string(row.result) != "-" && std::string(row.result) != "first";
+        const std::string result = row.result;
+        if (result == "complex")
+            return {0.5, 42};
+        return !has_value ? 0 : result == "real" || result == "r4" || result == "r8" ? 0.5 : 42;
     }
 
     words expected_words(const arguments_of &arguments) const
@@ -63,7 +61,7 @@ class frame : public testing::TestWithParam<const routine_row *>
             char value[32];
             if (kind == "c" || (row.group && kind == "C"))
                 std::snprintf(value, sizeof value, "%c", *static_cast<char *>(arguments.at(i)));
-            else if (kind == "i" || (row.group && kind == "I"))
+            else if (prints_integer(kind))
                 std::snprintf(value, sizeof value, "%lli",
                               arguments.at(i) ? *static_cast<long long *>(arguments.at(i)) : 0);
             else if (kind == "e")
@@ -72,7 +70,12 @@ class frame : public testing::TestWithParam<const routine_row *>
                 std::snprintf(value, sizeof value, "%p", arguments.at(i));
             text += (i ? "," : "") + std::string(value);
         }
-        return text + ")";
+        return (text + ")").substr(0, 449); // longer lines are cut
+    }
+
+    bool prints_integer(const std::string &kind) const
+    {
+        return kind == "i" || kind == "l" || kind == "info" || (row.group && kind == "I");
     }
 
     /// The order of steps without those that belong to the first call alone.
@@ -91,36 +94,30 @@ TEST_P(frame, every_spelling_reaches_the_core_with_the_same_addresses)
     for (const std::string &spelling : spellings) {
         SCOPED_TRACE(spelling);
         reset();
-        recorded.integer_result = 42;
-        recorded.real_result = 0.5;
-        const double value = call(arguments, spelling);
+        EXPECT_EQ(call(arguments, spelling), expected_value());
         ASSERT_EQ(recorded.calls.size(), 1u);
         EXPECT_EQ(recorded.calls[0].entry, row.core_entry);
         EXPECT_EQ(recorded.calls[0].arguments, expected_words(arguments));
         EXPECT_EQ(exported(spelling), exported(row.body));
-        const steps expected = checked ? steps{"register", row.core_entry} : steps{row.core_entry};
+        const steps expected = registers ? steps{"register", row.core_entry} : steps{row.core_entry};
         EXPECT_EQ(without_fetch(recorded.order), expected) << "a quiet call reads no clock";
-        if (returns_value()) {
-            EXPECT_TRUE(value == 42 || value == 0.5) << value;
-        }
     }
 }
 
 TEST_P(frame, traced_call_leaves_its_line)
 {
-    const arguments_of arguments(row);
+    arguments_of arguments(row);
     call(arguments); // the flag is fetched; switching it on afterwards must be seen at once
     reset();
     recorded.verbose = 1;
     recorded.clock = {10.0, 12.5};
-    recorded.integer_result = 42;
-    recorded.real_result = 0.5;
-    const double value = call(arguments);
+    recorded.on_call = [&](const core_call &) {
+        if (arguments.has_info())
+            arguments.set_integer(arguments.last(), 17); // the line tells what the core stored
+    };
+    EXPECT_EQ(call(arguments), expected_value()) << "the result is kept across the trace";
     ASSERT_EQ(recorded.calls.size(), 1u);
     EXPECT_EQ(recorded.calls[0].arguments, expected_words(arguments));
-    if (returns_value()) {
-        EXPECT_TRUE(value == 42 || value == 0.5) << "the result is kept across the trace";
-    }
     if (!traced) {
         EXPECT_TRUE(recorded.lines.empty());
         return;
@@ -130,14 +127,12 @@ TEST_P(frame, traced_call_leaves_its_line)
     EXPECT_EQ(recorded.lines[0].domain, 2);
     EXPECT_EQ(recorded.lines[0].seconds, 2.5);
     steps expected = {"clock", row.core_entry, "clock", "line"};
-    if (checked)
+    if (registers)
         expected.insert(expected.begin(), "register");
     EXPECT_EQ(without_fetch(recorded.order), expected);
 }
 
-class checked_frame : public frame
-{
-};
+class checked_frame : public frame {};
 
 TEST_P(checked_frame, refused_call_is_reported_and_goes_no_further)
 {
@@ -147,13 +142,16 @@ TEST_P(checked_frame, refused_call_is_reported_and_goes_no_further)
         const int64_t place = arguments.spoil();
         reset();
         recorded.verbose = verbose;
-        const double value = call(arguments);
+        const std::complex<double> value = call(arguments);
         EXPECT_TRUE(recorded.calls.empty());
         ASSERT_EQ(recorded.reports.size(), 1u);
         EXPECT_EQ(recorded.reports[0].name, row.reported_name);
         EXPECT_EQ(recorded.reports[0].position, place);
         EXPECT_EQ(recorded.default_reports, 1) << "the report goes down the chain to the core's default";
-        EXPECT_TRUE(!returns_value() || value == row.failed_result) << value;
+        EXPECT_TRUE(!has_value || value == static_cast<double>(row.failed_result)) << value;
+        if (arguments.has_info()) {
+            EXPECT_EQ(arguments.integer(arguments.last()), -place);
+        }
         steps expected = {"register", "report"};
         if (verbose)
             expected.insert(expected.end(), {"clock", "clock", "line"});
@@ -163,15 +161,13 @@ TEST_P(checked_frame, refused_call_is_reported_and_goes_no_further)
     }
 }
 
-class unchecked_frame : public frame
-{
-};
+class unchecked_frame : public frame {};
 
 TEST_P(unchecked_frame, null_integer_prints_zero)
 {
     arguments_of arguments(row);
     for (std::size_t i = 0; i < arguments.kinds.size(); ++i)
-        if (arguments.kinds[i] == "i" || (row.group && arguments.kinds[i] == "I"))
+        if (prints_integer(arguments.kinds[i]))
             arguments.replace_address(i, nullptr);
     recorded.verbose = 1;
     call(arguments);
@@ -179,29 +175,29 @@ TEST_P(unchecked_frame, null_integer_prints_zero)
     EXPECT_EQ(recorded.lines[0].text, expected_line(arguments));
 }
 
-/// The rows with one of the given kinds of frame.
-std::vector<const routine_row *> rows_with(const std::vector<std::string> &frames)
+/// The rows of a family with one of the given kinds of frame.
+std::vector<const routine_row *> rows_with(std::span<const routine_row> family, const steps &frames)
 {
     std::vector<const routine_row *> rows;
-    for (int i = 0; i < blas_row_count; ++i)
-        if (std::find(frames.begin(), frames.end(), blas_rows[i].frame) != frames.end())
-            rows.push_back(&blas_rows[i]);
+    for (const routine_row &row : family)
+        if (std::find(frames.begin(), frames.end(), row.frame) != frames.end())
+            rows.push_back(&row);
     return rows;
 }
 
 const auto row_name = [](const auto &info) { return std::string(info.param->name); };
-INSTANTIATE_TEST_SUITE_P(blas, frame, testing::ValuesIn(rows_with({"checked", "traced", "through"})),
+const steps checked = {"checked"}, unchecked = {"registered", "traced"};
+const steps all = {"checked", "registered", "traced", "through"};
+INSTANTIATE_TEST_SUITE_P(blas, frame, testing::ValuesIn(rows_with(blas_routines(), all)), row_name);
+INSTANTIATE_TEST_SUITE_P(lapack, frame, testing::ValuesIn(rows_with(lapack_routines(), all)), row_name);
+INSTANTIATE_TEST_SUITE_P(blas, checked_frame, testing::ValuesIn(rows_with(blas_routines(), checked)),
                          row_name);
-INSTANTIATE_TEST_SUITE_P(blas, checked_frame, testing::ValuesIn(rows_with({"checked"})), row_name);
-INSTANTIATE_TEST_SUITE_P(blas, unchecked_frame, testing::ValuesIn(rows_with({"traced"})), row_name);
-
-const routine_row &row_of(const std::string &name)
-{
-    for (int i = 0; i < blas_row_count; ++i)
-        if (name == blas_rows[i].name)
-            return blas_rows[i];
-    throw std::runtime_error("no row " + name);
-}
+INSTANTIATE_TEST_SUITE_P(lapack, checked_frame, testing::ValuesIn(rows_with(lapack_routines(), checked)),
+                         row_name);
+INSTANTIATE_TEST_SUITE_P(blas, unchecked_frame, testing::ValuesIn(rows_with(blas_routines(), unchecked)),
+                         row_name);
+INSTANTIATE_TEST_SUITE_P(lapack, unchecked_frame,
+                         testing::ValuesIn(rows_with(lapack_routines(), unchecked)), row_name);
 
 TEST(trace, formats_that_programs_parse)
 {
@@ -221,6 +217,16 @@ TEST(trace, formats_that_programs_parse)
              "DROTG(%p,%p,%p,%p)",
              "SAXPYI(%lli,%p,%p,%p,%p)",
              "DGEMM_BATCH(%c,%c,%lli,%lli,%lli,%p,%p,%lli,%p,%lli,%p,%p,%lli,%lli,%lli)",
+             "DGETRF(%lli,%lli,%p,%lli,%p,%lli)",
+             "DPOTRF(%c,%lli,%p,%lli,%lli)",
+             "DGEQRF(%lli,%lli,%p,%lli,%p,%p,%lli,%lli)",
+             "DGESV(%lli,%lli,%p,%lli,%p,%p,%lli,%lli)",
+             "DGETRS(%c,%lli,%lli,%p,%lli,%p,%p,%lli,%lli)",
+             "DSYEV(%c,%c,%lli,%p,%lli,%p,%p,%lli,%lli)",
+             "DGESVD(%c,%c,%lli,%lli,%p,%lli,%p,%p,%lli,%p,%lli,%p,%lli,%lli)",
+             "DLANGE(%c,%lli,%lli,%p,%lli,%p)",
+             "DLAMCH(%c)",
+             "ILAENV(%lli,%c,%c,%lli,%lli,%lli,%lli)",
              "DGEMM_BATCH_STRIDED(%c,%c,%lli,%lli,%lli,%p,%p,%lli,%lli,%p,%lli,%lli,%p,%p,%lli,%lli,%lli)",
          })
         EXPECT_EQ(row_of(format.substr(0, format.find('('))).format, format);

@@ -52,3 +52,11 @@ void reset();
 extern "C++" void record(const char *entry, std::initializer_list<int64_t> arguments);
 int64_t recorded_integer();
 double recorded_real();
+
+/// Its parts differ, so that one that is lost or in the wrong place shows.
+template <class Complex>
+Complex recorded_complex()
+{
+    using part = decltype(Complex::real);
+    return {static_cast<part>(recorded_real()), static_cast<part>(recorded_integer())};
+}

@@ -1,10 +1,16 @@
 #include "routine_call.h"
 
+#include "xkl_types.h"
+
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <map>
 #include <sstream>
+#include <stdexcept>
+#include <utility>
 
 std::vector<std::string> split(const char *text)
 {
@@ -20,8 +26,8 @@ namespace {
 /// A good value by the argument's name: letters that every routine takes, sizes of 3, room everywhere.
 int64_t good_value(const std::string &name, const std::string &kind)
 {
-    static const std::map<std::string, char> letters = {{"uplo", 'U'}, {"side", 'L'},   {"diag", 'N'},
-                                                        {"identifier", 'A'}, {"offsetc", 'F'}};
+    static const std::map<std::string, char> letters = {
+        {"uplo", 'U'}, {"side", 'L'}, {"diag", 'N'}, {"identifier", 'A'}, {"offsetc", 'F'}};
     if (kind == "c" || kind == "C") {
         const auto found = letters.find(name);
         return found == letters.end() ? 'N' : found->second;
@@ -30,6 +36,8 @@ int64_t good_value(const std::string &name, const std::string &kind)
         return 101;
     if (name.starts_with("ld"))
         return 8;
+    if (name == "lwork" || name == "lrwork" || name == "liwork")
+        return 4096;
     if (name.starts_with("stride"))
         return 4096;
     if (name.starts_with("inc"))
@@ -39,16 +47,33 @@ int64_t good_value(const std::string &name, const std::string &kind)
     return 3;
 }
 
-template <class Result>
-Result call(void *routine, std::vector<int64_t> a)
+constexpr std::size_t most_words = 48; // LAPACK's longest list has 35 arguments, and hidden lengths
+
+template <std::size_t>
+using word = int64_t;
+
+template <class Result, std::size_t... I>
+Result call(void *routine, const std::array<int64_t, most_words> &words, std::index_sequence<I...>)
 {
-    a.resize(24); // a callee never looks beyond its own list
-    using function = Result (*)(int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t,
-                                int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t,
-                                int64_t, int64_t, int64_t, int64_t, int64_t, int64_t);
-    return reinterpret_cast<function>(routine)(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], a[8], a[9], a[10],
-                                               a[11], a[12], a[13], a[14], a[15], a[16], a[17], a[18], a[19],
-                                               a[20], a[21], a[22], a[23]);
+    return reinterpret_cast<Result (*)(word<I>...)>(routine)(words[I]...);
+}
+
+/// Calls with as many words as any list has: a callee never looks beyond its own.
+template <class Result>
+Result call(void *routine, const std::vector<int64_t> &arguments)
+{
+    std::array<int64_t, most_words> words{};
+    if (arguments.size() > most_words)
+        throw std::length_error("a list is longer than most_words");
+    std::copy(arguments.begin(), arguments.end(), words.begin());
+    return call<Result>(routine, words, std::make_index_sequence<most_words>{});
+}
+
+template <class Complex>
+std::complex<double> call_complex(void *routine, const std::vector<int64_t> &arguments)
+{
+    const auto value = call<Complex>(routine, arguments);
+    return {value.real, value.imag};
 }
 
 } // namespace
@@ -73,8 +98,31 @@ int64_t arguments_of::spoil()
             set_integer(i, -1);
             return static_cast<int64_t>(i) + 1;
         }
+    if (names[0] == "n") {
+        set_integer(0, -1);
+        return 1;
+    }
     ADD_FAILURE() << "no way to spoil this call is known";
     return 0;
+}
+
+std::span<const routine_row> blas_routines()
+{
+    return {blas_rows, static_cast<std::size_t>(blas_row_count)};
+}
+
+std::span<const routine_row> lapack_routines()
+{
+    return {lapack_rows, static_cast<std::size_t>(lapack_row_count)};
+}
+
+const routine_row &row_of(const std::string &name)
+{
+    for (const auto rows : {blas_routines(), lapack_routines()})
+        for (const routine_row &row : rows)
+            if (name == row.name)
+                return row;
+    throw std::out_of_range("no table has the routine " + name);
 }
 
 void *exported(const std::string &name)
@@ -84,6 +132,33 @@ void *exported(const std::string &name)
     return address;
 }
 
-int64_t call_integer(void *routine, const std::vector<int64_t> &arguments) { return call<int64_t>(routine, arguments); }
-double call_real(void *routine, const std::vector<int64_t> &arguments) { return call<double>(routine, arguments); }
-float call_single(void *routine, const std::vector<int64_t> &arguments) { return call<float>(routine, arguments); }
+int64_t call_integer(void *routine, const std::vector<int64_t> &arguments)
+{
+    return call<int64_t>(routine, arguments);
+}
+double call_real(void *routine, const std::vector<int64_t> &arguments)
+{
+    return call<double>(routine, arguments);
+}
+float call_single(void *routine, const std::vector<int64_t> &arguments)
+{
+    return call<float>(routine, arguments);
+}
+
+std::complex<double> call_for_value(const routine_row &row, void *routine,
+                                    const std::vector<int64_t> &arguments)
+{
+    const std::string result = row.result;
+    const bool single = row.name[0] == 'S' || row.name[0] == 'C';
+    if (result == "complex")
+        return single ? call_complex<xkl_complex8>(routine, arguments)
+                      : call_complex<xkl_complex16>(routine, arguments);
+    if (result == "r4" || (result == "real" && single))
+        return call<float>(routine, arguments);
+    if (result == "r8" || result == "real")
+        return call<double>(routine, arguments);
+    if (result == "char")
+        return call<char>(routine, arguments);
+    const auto value = static_cast<double>(call<int64_t>(routine, arguments));
+    return result == "-" || result == "first" ? 0 : value;
+}

@@ -6,9 +6,9 @@ struct routine_row {
     const char *body;          // the body's own symbol: xkl_blas__dgemm
     const char *core_entry;    // xkl_blas_dgemm
     const char *checker;       // xkl_blas_errchk_dgemm, or ""
-    const char *frame;         // checked, traced, through
+    const char *frame;         // checked, registered, traced, through
     bool group;                // a trailing 0 goes to checker and core
-    const char *result;        // -, int, real, r4, r8, first, pointer
+    const char *result;        // -, int, logical, char, real, r4, r8, complex, first, pointer
     int failed_result;         // what a function returns after a failed check
     const char *reported_name; // with its blanks
     const char *format;        // of the trace line
@@ -31,6 +31,8 @@ struct cblas_row {
 
 extern const routine_row blas_rows[];
 extern const int blas_row_count;
+extern const routine_row lapack_rows[];
+extern const int lapack_row_count;
 extern const routine_row service_rows[];
 extern const int service_row_count;
 extern const cblas_row cblas_rows[];

@@ -9,17 +9,15 @@ import argparse
 import os
 import pathlib
 import re
-import subprocess
 import sys
 import tempfile
 from collections import Counter, namedtuple
 
+from preload import routines_bound, run as run_preloaded
+
 PROGRAMS = [f"{kind.format(type)}{level}{type if kind == 'xblat' else ''}"
             for kind in ("xblat", "x{}cblat") for level in (1, 2, 3) for type in "sdcz"]
-SYSTEM_LIBRARIES = re.compile(r"(ld-linux.*|lib(c|m|gcc_s|gfortran|quadmath|asan|tsan|ubsan))\.so")
 COMPLEX_FUNCTION = re.compile(r"[cz]dot[cu]_$")
-
-SUPPRESSIONS = pathlib.Path(__file__).resolve().parent / "thread_sanitizer.supp"
 
 Program = namedtuple("Program", "name is_c level type")
 Verdict = namedtuple("Verdict", "passed failed complaints")
@@ -44,34 +42,10 @@ def input_of(program, folder):
 
 def run(program, folder, preload, scratch):
     """What the program printed, and the loader's lines about what its symbols were bound to."""
-    environment = dict(os.environ, LD_PRELOAD=":".join(preload), LD_BIND_NOW="1", LD_DEBUG="bindings",
-                       LD_DEBUG_OUTPUT=str(scratch / "bindings"))
-    environment.setdefault("ASAN_OPTIONS", "detect_leaks=0")  # the programs' own leaks are no concern of ours
-    environment.setdefault("TSAN_OPTIONS", f"suppressions={SUPPRESSIONS}")
-    path = input_of(program, folder)
-    with open(path or os.devnull) as commands:
-        done = subprocess.run([folder / program.name], stdin=commands, stdout=subprocess.PIPE,
-                              stderr=subprocess.STDOUT, env=environment, cwd=scratch, text=True, timeout=900)
-    text = done.stdout
+    status, text, bindings = run_preloaded(folder / program.name, input_of(program, folder), scratch, preload)
     for summary in scratch.glob("*.out"):  # levels 2 and 3 of the Fortran programs write a file
         text += summary.read_text()
-    bindings = "".join(file.read_text() for file in scratch.glob("bindings.*"))
-    return done.returncode, text, bindings
-
-
-def routines_bound(program, bindings, libraries):
-    """Symbols of the program that the libraries under test serve, and complaints about all others."""
-    bound, complaints = {}, []
-    line = re.compile(r"binding file (\S+) \[\d+\] to (\S+) \[\d+\]: normal symbol [`'](\w+)'")
-    for source, target, symbol in line.findall(bindings):
-        if pathlib.Path(source).name != program.name:
-            continue
-        if os.path.realpath(target) in libraries:
-            bound[symbol] = os.path.realpath(target)
-        elif pathlib.Path(target).name != program.name and symbol != "RowMajorStrg" and \
-                not SYSTEM_LIBRARIES.match(pathlib.Path(target).name):
-            complaints.append(f"{symbol} was bound to {target}")
-    return bound, complaints
+    return status, text, bindings
 
 
 def level1_results(text):
@@ -94,7 +68,7 @@ def level23_results(program, text, asked):
 
 
 def judge(program, folder, status, text, bindings, libraries, companion):
-    bound, complaints = routines_bound(program, bindings, libraries)
+    bound, complaints = routines_bound(program.name, bindings, libraries, data=("RowMajorStrg",))
     if program.level == 1:
         asked, passed = level1_results(text)
     else:

@@ -1,4 +1,4 @@
-/* Stands in the place of the BLAS library that the reference test programs were linked with: it has its
+/* Stands in the place of a library that the reference test programs were linked with: it has that one's
  * soname.
  *
  * It has no routine at all, so that no call of theirs can end in another library than the one under test.
