@@ -5,14 +5,17 @@
 
 using namespace xkl::core;
 
+// Of an option letter.
+constexpr int64_t length = 1;
+
 #define PRODUCT(T, name, kernel)                                                                           \
     extern "C" void xkl_blas_##name(const char *transa, const char *transb, const int64_t *m,              \
                                     const int64_t *n, const int64_t *k, const T *alpha, const T *a,        \
                                     const int64_t *lda, const T *b, const int64_t *ldb, const T *beta,     \
                                     T *c, const int64_t *ldc, int64_t, int64_t)                            \
     {                                                                                                      \
-        on_openblas(kernels<T>::kernel, transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, 1,   \
-                    1);                                                                                    \
+        on_openblas<kernels<T>::kernel>(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc, 1,   \
+                                        length);                                                           \
     }
 
 #define ENTRIES_OF_ALL_TYPES(T, t)                                                                         \
@@ -23,19 +26,20 @@ using namespace xkl::core;
         const char *uplo, const char *trans, const int64_t *n, const int64_t *k, const T *alpha,           \
         const T *a, const int64_t *lda, const T *beta, T *c, const int64_t *ldc, int64_t, int64_t)         \
     {                                                                                                      \
-        on_openblas(kernels<T>::syrk, uplo, trans, n, k, alpha, a, lda, beta, c, ldc, 1, 1);               \
+        on_openblas<kernels<T>::syrk>(uplo, trans, n, k, alpha, a, lda, beta, c, ldc, length, length);     \
     }                                                                                                      \
     extern "C" void xkl_blas_##t##trsm_direct(const char *side, const char *uplo, const char *transa,      \
                                               const char *diag, const int64_t *m, const int64_t *n,        \
                                               const T *alpha, const T *a, const int64_t *lda, T *b,        \
                                               const int64_t *ldb, int64_t, int64_t, int64_t, int64_t)      \
     {                                                                                                      \
-        on_openblas(kernels<T>::trsm, side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb, 1, 1, 1, 1);  \
+        on_openblas<kernels<T>::trsm>(side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb, length,       \
+                                      length, length, length);                                             \
     }                                                                                                      \
     extern "C" void xkl_blas_##t##axpy_direct(const int64_t *n, const T *a, const T *x,                    \
                                               const int64_t *incx, T *y, const int64_t *incy)              \
     {                                                                                                      \
-        on_openblas(kernels<T>::axpy, n, a, x, incx, y, incy);                                             \
+        on_openblas<kernels<T>::axpy>(n, a, x, incx, y, incy);                                             \
     }
 XKL_FOR_ALL_TYPES(ENTRIES_OF_ALL_TYPES)
 
@@ -46,6 +50,6 @@ XKL_FOR_C_Z(ENTRIES_OF_COMPLEX_TYPES)
     extern "C" T xkl_blas_##t##dot_direct(const int64_t *n, const T *x, const int64_t *incx, const T *y,   \
                                           const int64_t *incy)                                             \
     {                                                                                                      \
-        return on_openblas(kernels<T>::dot, n, x, incx, y, incy);                                          \
+        return on_openblas<kernels<T>::dot>(n, x, incx, y, incy);                                          \
     }
 XKL_FOR_S_D(ENTRIES_OF_REAL_TYPES)
