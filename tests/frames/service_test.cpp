@@ -157,6 +157,7 @@ TEST(reporters, lapacke_xerbla_prints_and_never_reaches_xerbla)
         {-1010, "Not enough memory to allocate work array in LAPACKE_dgesv\n"},
         {-1011, "Not enough memory to transpose matrix in LAPACKE_dgesv\n"},
         {-3, "Wrong parameter 3 in LAPACKE_dgesv\n"},
+        {INT64_MIN, "Wrong parameter 0 in LAPACKE_dgesv\n"},
         {0, ""},
         {5, ""},
     };
