@@ -30,13 +30,9 @@ const measured cases[] = {
     {"core_ddot", [] { xkl_blas_ddot(&n, a, &one, b, &one); }},
     {"ddot", [] { ddot(&n, a, &one, b, &one); }},
     {"cblas_dgemm_row",
-     [] {
-         cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2);
-     }},
+     [] { cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2); }},
     {"cblas_dgemm_column",
-     [] {
-         cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2);
-     }},
+     [] { cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2); }},
     {"cblas_ddot", [] { cblas_ddot(2, a, 1, b, 1); }},
 };
 

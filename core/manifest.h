@@ -3,8 +3,7 @@
 
 #include <cstddef>
 
-namespace xkl::core
-{
+namespace xkl::core {
 
 enum class provider {
     none,     // a stand-in that names itself and ends the process

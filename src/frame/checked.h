@@ -10,8 +10,7 @@
 
 extern "C" void cdecl_xerbla(const char *name, const int64_t *position, int64_t length);
 
-namespace xkl
-{
+namespace xkl {
 
 /// Body of an exported checker: 0, or 1 after the report of the first bad argument.
 template <class Row, class... A>

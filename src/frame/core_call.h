@@ -6,8 +6,7 @@
 #include <cstdint>
 #include <utility>
 
-namespace xkl
-{
+namespace xkl {
 
 /// A hidden length, whatever its place.
 template <std::size_t>

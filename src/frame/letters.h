@@ -7,8 +7,7 @@
 
 #include "core_service.h"
 
-namespace xkl
-{
+namespace xkl {
 
 /// Inline: clears the bit that tells lower from upper case.
 struct inline_letters {

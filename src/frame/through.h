@@ -3,8 +3,7 @@
 
 #include "frame/core_call.h"
 
-namespace xkl
-{
+namespace xkl {
 
 template <class Row, class... A>
 [[gnu::always_inline]] inline auto through_frame(A... arguments)

@@ -6,8 +6,7 @@
 
 #include <type_traits>
 
-namespace xkl
-{
+namespace xkl {
 
 /// Makes the core call and prints its line; a function's result is kept across the printing.
 template <class Row, class... A>

@@ -12,8 +12,7 @@
 #include <cstdint>
 #include <utility>
 
-namespace xkl
-{
+namespace xkl {
 
 constexpr int blas_domain = 2; // domain code of BLAS, LAPACK and statistics lines
 
@@ -23,8 +22,7 @@ inline constinit const int32_t unfetched_flag = -1;
 /// that finds -1 fetches the address of the core's live flag and keeps it for the life of the process.
 /// Racing threads store the same address, so the pointer is a relaxed atomic, and so is the flag behind it,
 /// which the core may change at any time.
-class verbose_flag
-{
+class verbose_flag {
   public:
     [[gnu::always_inline]] int32_t read() const
     {
@@ -45,8 +43,7 @@ class verbose_flag
 
 /// The time that a traced call takes. A clock that reads exactly 0.0 at the start stands for "no clock":
 /// the elapsed time is then reported as minus that start, without a second reading.
-class stopwatch
-{
+class stopwatch {
   public:
     double elapsed() const { return -start_ != 0 ? xkl_serv_dsecnd() - start_ : -start_; }
 

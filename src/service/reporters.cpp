@@ -3,8 +3,7 @@
 #include "frame/core_text.h"
 #include "xkl_service.h"
 
-namespace
-{
+namespace {
 
 constexpr size_t longest_name = 4096;
 constexpr int malloc_error_position = 1000;
@@ -35,6 +34,6 @@ extern "C" void LAPACKE_xerbla(const char *name, int64_t info)
     else if (info == transpose_memory_error)
         xkl_serv_printf_s("Not enough memory to transpose matrix in %s\n", name);
     else if (info < 0) // negated without a sign: the least integer has no negative
-        xkl_serv_printf_s("Wrong parameter %d in %s\n",
-                          static_cast<int32_t>(-static_cast<uint64_t>(info)), name);
+        xkl_serv_printf_s("Wrong parameter %d in %s\n", static_cast<int32_t>(-static_cast<uint64_t>(info)),
+                          name);
 }

@@ -9,13 +9,11 @@
 #include <cmath>
 #include <cstdio>
 
-namespace
-{
+namespace {
 
 using steps = std::vector<std::string>;
 
-class frame : public testing::TestWithParam<const routine_row *>
-{
+class frame : public testing::TestWithParam<const routine_row *> {
   protected:
     void SetUp() override { reset(); }
 
@@ -135,9 +133,7 @@ TEST_P(frame, traced_call_leaves_its_line)
     EXPECT_EQ(without_fetch(recorded.order), expected);
 }
 
-class checked_frame : public frame
-{
-};
+class checked_frame : public frame {};
 
 TEST_P(checked_frame, refused_call_is_reported_and_goes_no_further)
 {
@@ -163,9 +159,7 @@ TEST_P(checked_frame, refused_call_is_reported_and_goes_no_further)
     }
 }
 
-class unchecked_frame : public frame
-{
-};
+class unchecked_frame : public frame {};
 
 TEST_P(unchecked_frame, null_integer_prints_zero)
 {

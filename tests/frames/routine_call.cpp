@@ -20,8 +20,8 @@ namespace {
 /// A good value by the argument's name: letters that every routine takes, sizes of 3, room everywhere.
 int64_t good_value(const std::string &name, const std::string &kind)
 {
-    static const std::map<std::string, char> letters = {{"uplo", 'U'}, {"side", 'L'},   {"diag", 'N'},
-                                                        {"identifier", 'A'}, {"offsetc", 'F'}};
+    static const std::map<std::string, char> letters = {
+        {"uplo", 'U'}, {"side", 'L'}, {"diag", 'N'}, {"identifier", 'A'}, {"offsetc", 'F'}};
     if (kind == "c" || kind == "C") {
         const auto found = letters.find(name);
         return found == letters.end() ? 'N' : found->second;
@@ -43,12 +43,12 @@ template <class Result>
 Result call(void *routine, std::vector<int64_t> a)
 {
     a.resize(24); // a callee never looks beyond its own list
-    using function = Result (*)(int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t,
-                                int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t,
-                                int64_t, int64_t, int64_t, int64_t, int64_t, int64_t);
-    return reinterpret_cast<function>(routine)(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], a[8], a[9], a[10],
-                                               a[11], a[12], a[13], a[14], a[15], a[16], a[17], a[18], a[19],
-                                               a[20], a[21], a[22], a[23]);
+    using function = Result (*)(int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t,
+                                int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t,
+                                int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t, int64_t);
+    return reinterpret_cast<function>(routine)(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], a[8], a[9],
+                                               a[10], a[11], a[12], a[13], a[14], a[15], a[16], a[17],
+                                               a[18], a[19], a[20], a[21], a[22], a[23]);
 }
 
 } // namespace
@@ -84,6 +84,15 @@ void *exported(const std::string &name)
     return address;
 }
 
-int64_t call_integer(void *routine, const std::vector<int64_t> &arguments) { return call<int64_t>(routine, arguments); }
-double call_real(void *routine, const std::vector<int64_t> &arguments) { return call<double>(routine, arguments); }
-float call_single(void *routine, const std::vector<int64_t> &arguments) { return call<float>(routine, arguments); }
+int64_t call_integer(void *routine, const std::vector<int64_t> &arguments)
+{
+    return call<int64_t>(routine, arguments);
+}
+double call_real(void *routine, const std::vector<int64_t> &arguments)
+{
+    return call<double>(routine, arguments);
+}
+float call_single(void *routine, const std::vector<int64_t> &arguments)
+{
+    return call<float>(routine, arguments);
+}

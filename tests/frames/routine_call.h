@@ -11,8 +11,7 @@
 std::vector<std::string> split(const char *text);
 
 /// Addresses for one call of a row. All arguments are good until a test spoils one.
-class arguments_of
-{
+class arguments_of {
   public:
     explicit arguments_of(const routine_row &row);
 
@@ -20,7 +19,10 @@ class arguments_of
     void *at(std::size_t i) const { return reinterpret_cast<void *>(addresses_[i]); }
     void set_integer(std::size_t i, int64_t value) { *static_cast<int64_t *>(at(i)) = value; }
     void set_letter(std::size_t i, char value) { *static_cast<char *>(at(i)) = value; }
-    void replace_address(std::size_t i, void *address) { addresses_[i] = reinterpret_cast<int64_t>(address); }
+    void replace_address(std::size_t i, void *address)
+    {
+        addresses_[i] = reinterpret_cast<int64_t>(address);
+    }
 
     const std::vector<std::string> names;
     const std::vector<std::string> kinds;

@@ -12,8 +12,7 @@
 
 extern "C" void xkl_serv_xerbla(const char *name, const int64_t *position, int64_t length);
 
-namespace
-{
+namespace {
 
 /// Entries that the recording core implements itself are tested by hand below.
 bool by_hand(const std::string &name)
@@ -34,8 +33,7 @@ std::vector<const routine_row *> forwarders(Wanted wanted)
     return rows;
 }
 
-class forwarder : public testing::TestWithParam<const routine_row *>
-{
+class forwarder : public testing::TestWithParam<const routine_row *> {
   protected:
     const routine_row &row = *GetParam();
     // More than 32 bits, so that a wrong width shows.
@@ -78,9 +76,7 @@ TEST_P(forwarder, fortran_spellings_read_values_through_addresses)
     }
 }
 
-class mixed_forwarder : public forwarder
-{
-};
+class mixed_forwarder : public forwarder {};
 
 TEST_P(mixed_forwarder, mixed_case_spelling_passes_values)
 {
