@@ -6,6 +6,10 @@ list(TRANSFORM XKL_BLAS_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/blas/ OUTP
 list(TRANSFORM XKL_BLAS_TABLES APPEND .tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 
+# For ./dev, which reads no CMake.
+string(JOIN " " tables_in_a_line ${XKL_BLAS_TABLES})
+file(WRITE ${PROJECT_BINARY_DIR}/tables.txt "${tables_in_a_line}\n")
+
 set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sources
 set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
