@@ -1,6 +1,7 @@
 // Makes one kind of call COUNT times over the null core, to be counted by callgrind: `bench_calls CASE COUNT`.
 // The cost of a frame is the difference between its case and the case of the bare core call.
 #include "core_blas.h"
+#include "core_lapack.h"
 #include "xkl.h"
 
 #include <cstdio>
@@ -12,6 +13,7 @@ namespace {
 const int64_t n = 2, one = 1;
 const double alpha = 1;
 double a[4], b[4], c[4];
+int64_t ipiv[2], info;
 char letter[] = "N";
 
 struct measured {
@@ -29,14 +31,16 @@ const measured cases[] = {
     {"dgemv", [] { dgemv(letter, &n, &n, &alpha, a, &n, b, &one, &alpha, c, &one); }},
     {"core_ddot", [] { xkl_blas_ddot(&n, a, &one, b, &one); }},
     {"ddot", [] { ddot(&n, a, &one, b, &one); }},
+    {"core_dgetrf", [] { xkl_lapack_dgetrf(&n, &n, a, &n, ipiv, &info); }},
+    {"dgetrf", [] { dgetrf(&n, &n, a, &n, ipiv, &info); }},
+    {"core_dgetri", [] { xkl_lapack_dgetri(&n, a, &n, ipiv, b, &n, &info); }},
+    {"dgetri", [] { dgetri(&n, a, &n, ipiv, b, &n, &info); }},
+    {"core_dpotf2", [] { xkl_lapack_dpotf2(letter, &n, a, &n, &info, 1); }},
+    {"dpotf2", [] { dpotf2(letter, &n, a, &n, &info); }},
     {"cblas_dgemm_row",
-     [] {
-         cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2);
-     }},
+     [] { cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2); }},
     {"cblas_dgemm_column",
-     [] {
-         cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2);
-     }},
+     [] { cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2); }},
     {"cblas_ddot", [] { cblas_ddot(2, a, 1, b, 1); }},
 };
 

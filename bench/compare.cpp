@@ -38,8 +38,8 @@ double time_of(const std::function<void(long)> &repeat, long count)
 }
 
 /// Times both in turn, ours and theirs, so that a noisy machine disturbs both alike; prints medians and the ratio's median.
-void compare(const char *name, const std::function<void(long)> &ours, const std::function<void(long)> &theirs,
-             long count, double flops)
+void compare(const char *name, const std::function<void(long)> &ours,
+             const std::function<void(long)> &theirs, long count, double flops)
 {
     ours(count / 10 + 1);
     theirs(count / 10 + 1);
@@ -50,11 +50,11 @@ void compare(const char *name, const std::function<void(long)> &ours, const std:
         ratio.push_back(a.back() / b.back());
     }
     if (flops > 0)
-        std::printf("%-22s %10.2f GFLOP/s %10.2f GFLOP/s   time ratio %.3f\n", name, flops / median(a) * 1e-9,
-                    flops / median(b) * 1e-9, median(ratio));
+        std::printf("%-22s %10.2f GFLOP/s %10.2f GFLOP/s   time ratio %.3f\n", name,
+                    flops / median(a) * 1e-9, flops / median(b) * 1e-9, median(ratio));
     else
-        std::printf("%-22s %10.1f ns      %10.1f ns        difference %.1f ns\n", name, median(a) * 1e9, median(b) * 1e9,
-                    (median(a) - median(b)) * 1e9);
+        std::printf("%-22s %10.1f ns      %10.1f ns        difference %.1f ns\n", name, median(a) * 1e9,
+                    median(b) * 1e9, (median(a) - median(b)) * 1e9);
 }
 
 template <class F>
@@ -124,12 +124,14 @@ int main(int argc, char **argv)
 {
     void *openblas = argc == 2 ? dlopen(argv[1], RTLD_NOW | RTLD_LOCAL) : nullptr;
     if (!openblas) {
-        std::fprintf(stderr, "usage: bench_compare OPENBLAS_SHARED_LIBRARY (%s)\n", argc == 2 ? dlerror() : "missing");
+        std::fprintf(stderr, "usage: bench_compare OPENBLAS_SHARED_LIBRARY (%s)\n",
+                     argc == 2 ? dlerror() : "missing");
         return 1;
     }
     auto *their_dgemm = load<dgemm_type>(openblas, "dgemm_");
     std::printf("%-22s %13s      %13s\n", "", "this library", "OpenBLAS");
-    compare_small(their_dgemm, load<daxpy_type>(openblas, "daxpy_"), load<cblas_dgemm_type>(openblas, "cblas_dgemm"));
+    compare_small(their_dgemm, load<daxpy_type>(openblas, "daxpy_"),
+                  load<cblas_dgemm_type>(openblas, "cblas_dgemm"));
     compare_large(their_dgemm);
     return 0;
 }

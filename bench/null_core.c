@@ -4,7 +4,10 @@
 
 static int32_t verbose_off = 0;
 
-int32_t *xkl_serv_verbose_mode(void) { return &verbose_off; }
+int32_t *xkl_serv_verbose_mode(void)
+{
+    return &verbose_off;
+}
 
 int xkl_serv_snprintf_s(char *buffer, size_t size, size_t most, const char *format, ...)
 {
@@ -22,5 +25,11 @@ int xkl_serv_printf_s(const char *format, ...)
     return 0;
 }
 void xkl_serv_default_xerbla(void) {}
-int32_t xkl_serv_default_progress(void) { return 0; }
-int32_t xkl_serv_default_pardiso_pivot(void) { return 0; }
+int32_t xkl_serv_default_progress(void)
+{
+    return 0;
+}
+int32_t xkl_serv_default_pardiso_pivot(void)
+{
+    return 0;
+}

@@ -10,6 +10,12 @@ list(TRANSFORM XKL_LAPACK_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapack/ 
 list(TRANSFORM XKL_LAPACK_TABLES APPEND .tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 
+# For ./dev, which reads no CMake.
+foreach(family BLAS LAPACK)
+  string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
+  file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
+endforeach()
+
 set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sources
 set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})

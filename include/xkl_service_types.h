@@ -34,8 +34,8 @@ typedef struct xkl_version {
 #define XKL_PEAK_MEM_RESET (-1) /* return the peak, then start again from the bytes in use now */
 
 /* Memory types of XKL_Set_Memory_Limit, which returns 1 when it has set the limit, else 0. */
-#define XKL_MEM_ALL                                                                                        \
-    1 /* all memory that the library holds; limit in megabytes of 2^20 bytes, 0 for no limit */
+/* all memory that the library holds; limit in megabytes of 2^20 bytes, 0 for no limit */
+#define XKL_MEM_ALL 1
 
 /* Codes of XKL_Enable_Instructions: the library uses nothing beyond the set that was named. It returns 1
    when it was carried out, 0 for an unknown code or once a computation has run. */
@@ -76,8 +76,8 @@ typedef struct xkl_version {
 /* Branches. */
 #define XKL_CBWR_UNSET_ALL 0  /* forget every setting: as XKL_CBWR_BRANCH_OFF */
 #define XKL_CBWR_BRANCH_OFF 1 /* no promise is asked for: the fastest kernels of the processor */
-#define XKL_CBWR_AUTO                                                                                      \
-    2 /* the fastest kernels, their results repeatable from run to run on this processor */
+/* the fastest kernels, their results repeatable from run to run on this processor */
+#define XKL_CBWR_AUTO 2
 #define XKL_CBWR_COMPATIBLE 3 /* the kernels that every processor of this architecture runs */
 #define XKL_CBWR_SSE2 4       /* as XKL_CBWR_COMPATIBLE */
 #define XKL_CBWR_SSSE3 6      /* SSSE3 kernels */
@@ -92,11 +92,11 @@ typedef struct xkl_version {
 /* Statuses. */
 #define XKL_CBWR_SUCCESS 0
 #define XKL_CBWR_ERR_INVALID_SETTINGS (-1) /* XKL_CBWR_STRICT without a branch that it can belong to */
-#define XKL_CBWR_ERR_INVALID_INPUT                                                                         \
-    (-2) /* XKL_CBWR_Get was asked for something else than the options above */
+/* XKL_CBWR_Get was asked for something else than the options above */
+#define XKL_CBWR_ERR_INVALID_INPUT (-2)
 #define XKL_CBWR_ERR_UNSUPPORTED_BRANCH (-3) /* this processor does not run the branch */
 #define XKL_CBWR_ERR_UNKNOWN_BRANCH (-4)     /* no branch has this number */
-#define XKL_CBWR_ERR_MODE_CHANGE_FAILURE                                                                   \
-    (-8) /* a computation has run already: the branch can no longer change */
+/* a computation has run already: the branch can no longer change */
+#define XKL_CBWR_ERR_MODE_CHANGE_FAILURE (-8)
 
 #endif

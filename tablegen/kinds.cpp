@@ -1,3 +1,4 @@
+// The kinds, one function a language.
 #include "kinds.h"
 
 #include <array>

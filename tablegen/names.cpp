@@ -1,3 +1,4 @@
+// The naming rules, one function a kind of name.
 #include "names.h"
 
 #include "kinds.h"

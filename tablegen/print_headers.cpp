@@ -11,10 +11,23 @@
 namespace tablegen {
 namespace {
 
+/// The declaration of a function; a star of its result stands at its name.
+std::string declaration(const routine &row, const std::string &name, const std::string &parameters)
+{
+    const std::string result = c_result(row);
+    return result + (result.ends_with('*') ? "" : " ") + name + "(" + parameters + ");\n";
+}
+
+/// A single spelling needs no type. It may not have one: some names differ in case only and would define
+/// the same type twice, which C before 2011 refuses.
 void print_spellings(std::ostream &out, const routine &row, const std::vector<std::string> &names)
 {
-    out << "typedef " << c_result(row) << (c_result(row).ends_with('*') ? "" : " ") << "xkl_type_"
-        << row.lower() << "(" << parameter_list(row) << ");\nextern xkl_type_" << row.lower();
+    if (names.size() == 1) {
+        out << declaration(row, names.front(), parameter_list(row));
+        return;
+    }
+    const std::string type = "xkl_type_" + row.lower();
+    out << "typedef " << declaration(row, type, parameter_list(row)) << "extern " << type;
     for (const std::string &name : names)
         out << (name == names.front() ? " " : ", ") << name;
     out << ";\n";
@@ -45,7 +58,7 @@ std::vector<std::string> service_spellings(const routine &row)
 void print_service(std::ostream &out, const routine &row)
 {
     if (!mixed_body(row).empty())
-        out << c_result(row) << " " << mixed_body(row) << "(" << value_parameters(row) << ");\n";
+        out << declaration(row, mixed_body(row), value_parameters(row));
     if (row.frame.kind != "forward-mixed")
         print_spellings(out, row, service_spellings(row));
 }
@@ -128,8 +141,7 @@ void print_cblas_header(std::ostream &out, const std::vector<shaped> &rows)
             out << "\n/** " << row.base->about << " */\n";
         about = row.base->about;
         for (const std::string suffix : {"", "_64"})
-            out << c_result(*row.base) << " " << cblas_name(row) << suffix << "("
-                << cblas_parameter_list(row) << ");\n";
+            out << declaration(*row.base, cblas_name(row) + suffix, cblas_parameter_list(row));
     }
     print_epilogue(out);
 }

@@ -1,3 +1,4 @@
+// Reports of what only the core can find out: a packed operand of the wrong size, an unknown option.
 #include "report.h"
 
 #include "service/service_entries.h"

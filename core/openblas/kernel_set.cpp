@@ -1,3 +1,4 @@
+// The kernel set: chosen by processor features, before the kernel library looks for itself.
 #include "openblas/kernel_set.h"
 
 #include "service/environment.h"

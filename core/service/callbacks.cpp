@@ -1,5 +1,7 @@
+// The user's progress and pivot routines: where they are kept, and what happens without them.
 #include "service/callbacks.h"
 
+#include "service/scoped_mark.h"
 #include "service/service_entries.h"
 
 #include <atomic>
@@ -57,10 +59,8 @@ int xkl_serv_default_progress(const int64_t *thread, const int64_t *step, const 
     const xkl_progress_handler handler = user_progress.load(std::memory_order_acquire);
     if (!handler || in_user_progress)
         return 0;
-    in_user_progress = true;
-    const int stop = handler(thread, step, stage, length);
-    in_user_progress = false;
-    return stop;
+    const xkl::core::scoped_mark mark(in_user_progress);
+    return handler(thread, step, stage, length);
 }
 
 xkl_pivot_handler xkl_serv_set_pardiso_pivot(xkl_pivot_handler handler)

@@ -1,3 +1,4 @@
+// The environment as the core sees it: its own variables can be switched off, the others always count.
 #include "service/environment.h"
 
 #include "service/service_entries.h"

@@ -1,3 +1,4 @@
+// The end of the process, which only a missing entry or kernel brings about.
 #include "service/exit.h"
 
 #include "service/messages.h"

@@ -1,3 +1,4 @@
+// Turns: calls that want different counts of threads take the kernel library one after the other.
 #include "openblas/kernel_set.h"
 #include "service/kernel_threads.h"
 #include "service/reproducibility.h"

@@ -1,3 +1,4 @@
+// The catalogue of numbered messages, and the one way in which the core prints them.
 #include "service/messages.h"
 
 #include "service/service_entries.h"

@@ -1,3 +1,4 @@
+// What the processor can do and the system allows, by CPUID and XGETBV.
 #include "service/processor.h"
 
 #include "service/reproducibility.h"

@@ -1,5 +1,6 @@
 // The error reporter: where a report goes that a frame, a checker or a kernel makes.
 #include "service/messages.h"
+#include "service/scoped_mark.h"
 #include "service/service_entries.h"
 
 #include <algorithm>
@@ -75,8 +76,7 @@ void xkl_serv_default_xerbla(const char *name, const int64_t *position, int64_t 
         print_report(name, position, length);
         return;
     }
-    in_user_handler = true;
+    const xkl::core::scoped_mark mark(in_user_handler);
     handler(name, position, length);
-    in_user_handler = false;
 }
 }

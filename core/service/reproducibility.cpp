@@ -1,10 +1,10 @@
+// The branch of reproducible results, and the limit on instruction sets: both choose the kernel set.
 #include "service/reproducibility.h"
 
 #include "openblas/kernel_set.h"
 #include "service/environment.h"
 #include "service/kernel_threads.h"
 #include "service/messages.h"
-#include "xkl_service_types.h"
 #include "service/service_entries.h"
 #include "xkl_service_types.h"
 

@@ -3,8 +3,8 @@
 #include "service/kernel_threads.h"
 #include "service/messages.h"
 #include "service/service_entries.h"
-#include "xkl_service_types.h"
 #include "service/version.h"
+#include "xkl_service_types.h"
 
 #include <atomic>
 #include <cstdio>

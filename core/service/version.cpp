@@ -1,3 +1,4 @@
+// The version, as a record and as a line of text.
 #include "service/version.h"
 
 #include "openblas/kernel_set.h"

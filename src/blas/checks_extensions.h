@@ -221,32 +221,19 @@ struct compute_offset {
     }
 };
 
-/// Integer products with offsets.
+/// The same with neither operand packed.
 struct gemm_offset {
     template <class Letters>
-    [[gnu::always_inline]] static int64_t first_bad(letter transa, letter transb, letter offsetc, integer m,
-                                                    integer n, integer k, any, any, integer lda, any, any,
-                                                    integer ldb, any, any, any, integer ldc, any)
+    [[gnu::always_inline]] static int64_t
+    first_bad(letter transa, letter transb, letter offsetc, integer m, integer n, integer k, any alpha,
+              any a, integer lda, any ao, any b, integer ldb, any bo, any beta, any c, integer ldc, any co)
     {
         if (!is_trans<Letters>(transa))
             return 1;
         if (!is_trans<Letters>(transb))
             return 2;
-        if (!is_offset<Letters>(offsetc))
-            return 3;
-        if (*m < 0)
-            return 4;
-        if (*n < 0)
-            return 5;
-        if (*k < 0)
-            return 6;
-        if (!fits_op<Letters>(lda, transa, m, k))
-            return 9;
-        if (!fits_op<Letters>(ldb, transb, k, n))
-            return 12;
-        if (!fits(ldc, *m))
-            return 16;
-        return 0;
+        return compute_offset::first_bad<Letters>(transa, transb, offsetc, m, n, k, alpha, a, lda, ao, b,
+                                                  ldb, bo, beta, c, ldc, co);
     }
 };
 

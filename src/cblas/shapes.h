@@ -8,10 +8,10 @@
 //   gem2v                      two of them
 //   ger gerc                   rank-one updates of a general matrix                      rank_update.h
 //   syr spr syr2 spr2          of a symmetric or Hermitian one
-//   trmv tbmv tpmv             triangular matrices and systems triangular_vector.h gemm mixed_gemm gemmt
-//   symm matrix times matrix                                       matrix_product.h syrk herk syr2k her2k
-//   rank-k updates                                            symmetric_update.h trmm trmm_oop ptrmm
-//   triangular matrices and systems, many vectors             triangular_matrix.h
+//   trmv tbmv tpmv             triangular matrices and systems                           triangular_vector.h
+//   gemm mixed_gemm gemmt symm matrix times matrix                                       matrix_product.h
+//   syrk herk syr2k her2k      rank-k updates                                            symmetric_update.h
+//   trmm trmm_oop ptrmm        triangular matrices and systems, many vectors             triangular_matrix.h
 //   ..._batch_strided          one matrix and a stride                                   strided_batch.h
 //   ..._batch                  groups of matrices                             group_batch.h, group_gemv.h
 #pragma once

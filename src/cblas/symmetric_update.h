@@ -60,8 +60,8 @@ void syr2k(int layout, int uplo, int trans, int64_t n, int64_t k, S alpha, const
                   lda, b, ldb, beta, c, ldc);
 }
 
-/// The transpose of alpha*A*B^H is alpha times conj(B)*A^T: what conj(alpha) stands before in the update
-/// with the transposed factors. So by rows alpha is conjugated.
+/// The transpose of alpha*A*B^H is alpha*conj(B)*A^T, the term that carries conj(alpha) in the update with the
+/// transposed factors. So by rows alpha is conjugated.
 template <class R, class S>
 void her2k(int layout, int uplo, int trans, int64_t n, int64_t k, const void *alpha, const void *a,
            int64_t lda, const void *b, int64_t ldb, S beta, void *c, int64_t ldc)

@@ -85,7 +85,8 @@ void print_trace_line(const stopwatch &watch, A... arguments)
     char line[size];
     [&]<std::size_t... I>(std::index_sequence<I...>)
     {
-        xkl_serv_snprintf_s(line, size, size - 1, Row::format, printed<Row::kinds[I]>(as_address(arguments))...);
+        xkl_serv_snprintf_s(line, size, size - 1, Row::format,
+                            printed<Row::kinds[I]>(as_address(arguments))...);
     }
     (std::index_sequence_for<A...>{});
     line[size - 1] = 0;

@@ -3,8 +3,7 @@
 // spellings, turns the one into the other, and goes before the interface library on the link line.
 #pragma once
 
-namespace xkl
-{
+namespace xkl {
 
 template <class Complex, class Body, class... A>
 inline Complex value_result(Body &body, A... arguments)

@@ -6,10 +6,8 @@
 #include <atomic>
 #include <cstdlib>
 
-namespace xkl
-{
-namespace
-{
+namespace xkl {
+namespace {
 
 /// Written by XKL_SET_EXIT_HANDLER, null until then. A handler set while another thread exits is not
 /// ordered.

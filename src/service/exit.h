@@ -3,8 +3,7 @@
 
 #include "xkl_types.h"
 
-namespace xkl
-{
+namespace xkl {
 
 void remember_exit_handler(xkl_exit_handler handler);
 

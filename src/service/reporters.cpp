@@ -3,8 +3,7 @@
 #include "frame/core_text.h"
 #include "xkl_service.h"
 
-namespace
-{
+namespace {
 
 constexpr size_t longest_name = 4096;
 constexpr int malloc_error_position = 1000;
@@ -34,6 +33,7 @@ extern "C" void LAPACKE_xerbla(const char *name, int64_t info)
         xkl_serv_printf_s("Not enough memory to allocate work array in %s\n", name);
     else if (info == transpose_memory_error)
         xkl_serv_printf_s("Not enough memory to transpose matrix in %s\n", name);
-    else if (info < 0)
-        xkl_serv_printf_s("Wrong parameter %d in %s\n", static_cast<int32_t>(-info), name);
+    else if (info < 0) // negated without a sign: the least integer has no negative
+        xkl_serv_printf_s("Wrong parameter %d in %s\n", static_cast<int32_t>(-static_cast<uint64_t>(info)),
+                          name);
 }

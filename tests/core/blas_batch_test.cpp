@@ -71,7 +71,7 @@ struct pieces {
 
 template <class T>
 struct batches : ::testing::Test {
-    pieces<T> a, b, c, expected = c;
+    pieces<T> a, b, c, old = c;
     std::vector<T> alpha, beta;
 
     batches()
@@ -84,36 +84,52 @@ struct batches : ::testing::Test {
     void SetUp() override { xkl_serv_set_num_threads(4); }
     void TearDown() override { xkl_serv_set_num_threads(0); }
 
-    /// Makes `expected` by the plain routine and compares.
+    /// What makes matrix i of group g by itself
+    auto plain_product()
+    {
+        return [this](int64_t g, int64_t i, T *to) {
+            gemm<T>(trans + g, plain + g, order + g, order + g, order + g, &alpha[g], a.in()[i], ld + g,
+                    b.in()[i], ld + g, &beta[g], to, ld + g, 1, 1);
+        };
+    }
+    /// Compares with what the plain routine makes of the old matrices.
     template <class Routine>
     void expect_each(const char *what, const Routine &routine)
     {
+        pieces<T> expected = old;
         for (int64_t i = 0; i < c.count(); ++i)
-            routine(c.group[i], i);
+            routine(c.group[i], i, expected.out()[i]);
         for (size_t at = 0; at < c.elements.size(); ++at)
             expect_close(c.elements[at], widen(expected.elements[at]), 70, what);
     }
 };
 TYPED_TEST_SUITE(batches, all_types);
 
-TYPED_TEST(batches, groups_of_products)
+TYPED_TEST(batches, groups_of_products_for_several_callers_at_once)
 {
-    gemm_batch<TypeParam>(trans, plain, order, order, order, this->alpha.data(), this->a.in(), ld,
-                          this->b.in(), ld, this->beta.data(), this->c.out(), ld, &groups, sizes, 0, 1, 1);
-    this->expect_each("gemm_batch", [this](int64_t g, int64_t i) {
-        gemm<TypeParam>(trans + g, plain + g, order + g, order + g, order + g, &this->alpha[g],
-                        this->a.in()[i], ld + g, this->b.in()[i], ld + g, &this->beta[g],
-                        this->expected.out()[i], ld + g, 1, 1);
-    });
+    std::vector<pieces<TypeParam>> outputs(3, this->c);
+    std::vector<std::thread> callers;
+    for (pieces<TypeParam> &each : outputs)
+        callers.emplace_back([&] {
+            gemm_batch<TypeParam>(trans, plain, order, order, order, this->alpha.data(), this->a.in(), ld,
+                                  this->b.in(), ld, this->beta.data(), each.out(), ld, &groups, sizes, 0, 1,
+                                  1);
+        });
+    for (std::thread &each : callers)
+        each.join();
+    for (const pieces<TypeParam> &each : outputs) {
+        this->c.elements = each.elements;
+        this->expect_each("gemm_batch", this->plain_product());
+    }
 }
 
 TYPED_TEST(batches, groups_of_symmetric_products)
 {
     syrk_batch<TypeParam>(uplo, plain, order, order, this->alpha.data(), this->a.in(), ld,
                           this->beta.data(), this->c.out(), ld, &groups, sizes, 0, 1, 1);
-    this->expect_each("syrk_batch", [this](int64_t g, int64_t i) {
+    this->expect_each("syrk_batch", [this](int64_t g, int64_t i, TypeParam *to) {
         syrk<TypeParam>(uplo + g, plain + g, order + g, order + g, &this->alpha[g], this->a.in()[i], ld + g,
-                        &this->beta[g], this->expected.out()[i], ld + g, 1, 1);
+                        &this->beta[g], to, ld + g, 1, 1);
     });
 }
 
@@ -121,9 +137,9 @@ TYPED_TEST(batches, groups_of_solutions)
 {
     trsm_batch<TypeParam>(side, uplo, trans, diag, order, order, this->alpha.data(), this->a.in(), ld,
                           this->c.out(), ld, &groups, sizes, 0, 1, 1, 1, 1);
-    this->expect_each("trsm_batch", [this](int64_t g, int64_t i) {
+    this->expect_each("trsm_batch", [this](int64_t g, int64_t i, TypeParam *to) {
         trsm<TypeParam>(side + g, uplo + g, trans + g, diag + g, order + g, order + g, &this->alpha[g],
-                        this->a.in()[i], ld + g, this->expected.out()[i], ld + g, 1, 1, 1, 1);
+                        this->a.in()[i], ld + g, to, ld + g, 1, 1, 1, 1);
     });
 }
 
@@ -131,21 +147,22 @@ TYPED_TEST(batches, groups_of_vector_operations)
 {
     gemv_batch<TypeParam>(trans, order, order, this->alpha.data(), this->a.in(), ld, this->b.in(), inc,
                           this->beta.data(), this->c.out(), inc, &groups, sizes, 0, 1);
-    this->expect_each("gemv_batch", [this](int64_t g, int64_t i) {
+    this->expect_each("gemv_batch", [this](int64_t g, int64_t i, TypeParam *to) {
         gemv<TypeParam>(trans + g, order + g, order + g, &this->alpha[g], this->a.in()[i], ld + g,
-                        this->b.in()[i], inc + g, &this->beta[g], this->expected.out()[i], inc + g, 1);
+                        this->b.in()[i], inc + g, &this->beta[g], to, inc + g, 1);
     });
+    this->old.elements = this->c.elements;
     axpy_batch<TypeParam>(order, this->alpha.data(), this->a.in(), inc, this->c.out(), ones, &groups, sizes,
                           0);
-    this->expect_each("axpy_batch", [this](int64_t g, int64_t i) {
-        axpy<TypeParam>(order + g, &this->alpha[g], this->a.in()[i], inc + g, this->expected.out()[i],
-                        ones + g);
+    this->expect_each("axpy_batch", [this](int64_t g, int64_t i, TypeParam *to) {
+        axpy<TypeParam>(order + g, &this->alpha[g], this->a.in()[i], inc + g, to, ones + g);
     });
+    this->old.elements = this->c.elements;
     copy_batch<TypeParam>(order, this->b.in(), ones, this->c.out(), inc, &groups, sizes, 0);
-    this->expect_each("copy_batch", [this](int64_t g, int64_t i) {
+    this->expect_each("copy_batch", [this](int64_t g, int64_t i, TypeParam *to) {
         const int64_t step = std::abs(inc[g]);
         for (int64_t u = 0; u < order[g]; ++u)
-            this->expected.out()[i][inc[g] > 0 ? u * step : (order[g] - 1 - u) * step] = this->b.in()[i][u];
+            to[inc[g] > 0 ? u * step : (order[g] - 1 - u) * step] = this->b.in()[i][u];
     });
 }
 
@@ -165,9 +182,8 @@ TYPED_TEST(batches, groups_of_diagonal_products)
 {
     dgmm_batch<TypeParam>(side, order, order, this->a.in(), ld, this->b.in(), inc, this->c.out(), ld,
                           &groups, sizes, 0, 1);
-    this->expect_each("dgmm_batch", [this](int64_t g, int64_t i) {
-        expected_dgmm(side[g], order[g], this->a.in()[i], ld[g], this->b.in()[i], inc[g],
-                      this->expected.out()[i], ld[g]);
+    this->expect_each("dgmm_batch", [this](int64_t g, int64_t i, TypeParam *to) {
+        expected_dgmm(side[g], order[g], this->a.in()[i], ld[g], this->b.in()[i], inc[g], to, ld[g]);
     });
 }
 
@@ -236,37 +252,10 @@ TYPED_TEST_SUITE(complex_batches, complex_types);
 
 TYPED_TEST(complex_batches, products_with_three_real_ones)
 {
-    constexpr auto gemm3m_batch = pick<TypeParam>(0, 0, xkl_blas_cgemm3m_batch, xkl_blas_zgemm3m_batch);
-    gemm3m_batch(trans, plain, order, order, order, this->alpha.data(), this->a.in(), ld, this->b.in(), ld,
-                 this->beta.data(), this->c.out(), ld, &groups, sizes, 0, 1, 1);
-    this->expect_each("gemm3m_batch", [this](int64_t g, int64_t i) {
-        gemm<TypeParam>(trans + g, plain + g, order + g, order + g, order + g, &this->alpha[g],
-                        this->a.in()[i], ld + g, this->b.in()[i], ld + g, &this->beta[g],
-                        this->expected.out()[i], ld + g, 1, 1);
-    });
-}
-
-TYPED_TEST(batches, several_callers_at_once)
-{
-    std::vector<pieces<TypeParam>> outputs(3, this->c);
-    std::vector<std::thread> callers;
-    for (pieces<TypeParam> &each : outputs)
-        callers.emplace_back([&] {
-            gemm_batch<TypeParam>(trans, plain, order, order, order, this->alpha.data(), this->a.in(), ld,
-                                  this->b.in(), ld, this->beta.data(), each.out(), ld, &groups, sizes, 0, 1,
-                                  1);
-        });
-    for (std::thread &each : callers)
-        each.join();
-    for (int64_t i = 0; i < this->c.count(); ++i) {
-        const int64_t g = this->c.group[i];
-        gemm<TypeParam>(trans + g, plain + g, order + g, order + g, order + g, &this->alpha[g],
-                        this->a.in()[i], ld + g, this->b.in()[i], ld + g, &this->beta[g],
-                        this->expected.out()[i], ld + g, 1, 1);
-    }
-    for (const pieces<TypeParam> &each : outputs)
-        for (size_t at = 0; at < each.elements.size(); ++at)
-            expect_close(each.elements[at], widen(this->expected.elements[at]), 70, "each caller");
+    pick<TypeParam>(0, 0, xkl_blas_cgemm3m_batch, xkl_blas_zgemm3m_batch)(
+        trans, plain, order, order, order, this->alpha.data(), this->a.in(), ld, this->b.in(), ld,
+        this->beta.data(), this->c.out(), ld, &groups, sizes, 0, 1, 1);
+    this->expect_each("gemm3m_batch", this->plain_product());
 }
 
 } // namespace

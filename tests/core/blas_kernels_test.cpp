@@ -46,14 +46,14 @@ struct kernels_for : ::testing::Test {
     }
     void TearDown() override { xkl_serv_set_xerbla_interface(nullptr); }
 
-    void expect_product(const std::string &what)
+    void expect_product(const char *what)
     {
         expected = old;
         gemm<T>("T", "N", &m, &n, &k, &alpha, a.data(), &a.ld, b.data(), &b.ld, &beta, expected.data(),
                 &c.ld, 1, 1);
         expect_same(what);
     }
-    void expect_same(const std::string &what)
+    void expect_same(const char *what)
     {
         expect_update(c, T(1), op(expected, 'N'), T(0), old, k, what);
         c = old;
@@ -202,38 +202,33 @@ TYPED_TEST(jit, products_by_other_names)
 TYPED_TEST(jit, other_routines_by_direct_names)
 {
     using T = TypeParam;
-    const auto both = [&](const char *what, const auto &direct, const auto &plain) {
+    const int64_t one = 1, two = 2, back = -1;
+    const auto both = [&](const char *what, const auto &call, const auto &direct, const auto &plain) {
         this->expected = this->old;
-        direct(this->c.data());
-        plain(this->expected.data());
+        call(direct, this->c.data());
+        call(plain, this->expected.data());
         this->expect_same(what);
     };
-    const auto syrk_by = [&](auto routine) {
-        return [&, routine](T *c) {
-            routine("U", "N", &n, &n, &this->alpha, this->old.data(), &this->old.ld, &this->beta, c,
-                    &this->c.ld, 1, 1);
-        };
+    const auto call_syrk = [&](const auto &routine, T *c) {
+        routine("U", "N", &n, &n, &this->alpha, this->old.data(), &this->old.ld, &this->beta, c,
+                &this->c.ld, 1, 1);
     };
-    both("syrk", syrk_by(syrk_direct<T>), syrk_by(syrk<T>));
-    const auto trsm_by = [&](auto routine) {
-        return [&, routine](T *c) {
-            routine("R", "U", "N", "U", &m, &n, &this->alpha, this->b.data(), &this->b.ld, c, &this->c.ld,
-                    1, 1, 1, 1);
-        };
+    const auto call_trsm = [&](const auto &routine, T *c) {
+        routine("R", "U", "N", "U", &m, &n, &this->alpha, this->b.data(), &this->b.ld, c, &this->c.ld, 1, 1,
+                1, 1);
     };
-    both("trsm", trsm_by(trsm_direct<T>), trsm_by(trsm<T>));
-    const auto axpy_by = [&](auto routine) {
-        return [&, routine](T *c) {
-            routine(&m, &this->alpha, this->a.data(), by_address<int64_t>(-1), c, by_address<int64_t>(1));
-        };
+    const auto call_axpy = [&](const auto &routine, T *c) {
+        routine(&m, &this->alpha, this->a.data(), &back, c, &one);
     };
-    both("axpy", axpy_by(axpy_direct<T>), axpy_by(axpy<T>));
+    both("syrk", call_syrk, syrk_direct<T>, syrk<T>);
+    both("trsm", call_trsm, trsm_direct<T>, trsm<T>);
+    both("axpy", call_axpy, axpy_direct<T>, axpy<T>);
     if constexpr (!is_complex<T>) {
-        const auto direct = pick<T>(xkl_blas_sdot_direct, xkl_blas_ddot_direct, 0, 0);
-        const auto plain = pick<T>(xkl_blas_sdot, xkl_blas_ddot, 0, 0);
-        const int64_t two = 2;
-        EXPECT_EQ(direct(&n, this->a.data(), &two, this->b.data(), by_address<int64_t>(1)),
-                  plain(&n, this->a.data(), &two, this->b.data(), by_address<int64_t>(1)));
+        const auto call_dot = [&](const auto &routine, T *c) {
+            c[0] = routine(&n, this->a.data(), &two, this->b.data(), &one);
+        };
+        both("dot", call_dot, pick<T>(xkl_blas_sdot_direct, xkl_blas_ddot_direct, 0, 0),
+             pick<T>(xkl_blas_sdot, xkl_blas_ddot, 0, 0));
     }
 }
 

@@ -11,7 +11,7 @@ BLAS_ENTRY(, trmm_oop);
 BLAS_ENTRY(, trsm_oop);
 
 struct shape {
-    int64_t m, n, k;
+    int64_t m, n, k = 0;
 };
 
 template <class T>
@@ -88,8 +88,9 @@ TYPED_TEST(products, triangular_out_of_place)
                             &beta, c.data(), &c.ld, 1, 1, 1, 1);
                 // Multiplied back, what was added to beta*C must be alpha*B.
                 wide_matrix added = op(c, 'N');
+                const wide_matrix before = op(old, 'N');
                 for (int64_t at = 0; beta != T(0) && at < m * n; ++at)
-                    added.elements[at] -= widen(beta) * op(old, 'N').elements[at];
+                    added.elements[at] -= widen(beta) * before.elements[at];
                 const wide_matrix back = beside(o[0], factor, added);
                 for (int64_t at = 0; at < m * n; ++at)
                     expect_close(b(at % b.rows, at / b.rows), back.elements[at] / widen(this->alpha),

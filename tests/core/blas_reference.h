@@ -225,24 +225,24 @@ inline wide_matrix operator*(const wide_matrix &a, const wide_matrix &b)
 
 /// Expects `actual` within so many units of rounding of a value that is a sum of so many terms.
 template <class T>
-void expect_close(const T &actual, const wide &expected, int64_t terms, const std::string &what)
+void expect_close(const T &actual, const wide &expected, int64_t terms, const char *what, int64_t i = 0,
+                  int64_t j = 0)
 {
     const long double unit = std::numeric_limits<real_of<T>>::epsilon();
     const long double bound = 8 * unit * static_cast<long double>(terms + 2) * (1 + std::abs(expected));
     EXPECT_LE(std::abs(widen(actual) - expected), bound)
-        << what << ": got " << actual << ", expected " << expected;
+        << what << " (" << i << "," << j << "): got " << actual << ", expected " << expected;
 }
 
 /// Expects alpha*product + beta*old in C, and nothing outside of it.
 template <class T>
 void expect_update(const matrix<T> &c, const T &alpha, const wide_matrix &product, const T &beta,
-                   const matrix<T> &old, int64_t terms, const std::string &what)
+                   const matrix<T> &old, int64_t terms, const char *what)
 {
     for (int64_t j = 0; j < c.columns; ++j)
         for (int64_t i = 0; i < c.rows; ++i) {
             const wide kept = beta == T(0) ? wide(0) : widen(beta) * widen(old(i, j));
-            expect_close(c(i, j), widen(alpha) * product(i, j) + kept, terms,
-                         what + " (" + std::to_string(i) + "," + std::to_string(j) + ")");
+            expect_close(c(i, j), widen(alpha) * product(i, j) + kept, terms, what, i, j);
         }
     EXPECT_TRUE(c.canaries_live()) << what;
 }
@@ -250,11 +250,11 @@ void expect_update(const matrix<T> &c, const T &alpha, const wide_matrix &produc
 /// The same for a vector
 template <class T>
 void expect_update(const strided<T> &y, const T &alpha, const wide_matrix &product, const T &beta,
-                   const strided<T> &old, int64_t terms, const std::string &what)
+                   const strided<T> &old, int64_t terms, const char *what)
 {
     for (int64_t i = 0; i < y.n; ++i) {
         const wide kept = beta == T(0) ? wide(0) : widen(beta) * widen(old[i]);
-        expect_close(y[i], widen(alpha) * product(i, 0) + kept, terms, what + " " + std::to_string(i));
+        expect_close(y[i], widen(alpha) * product(i, 0) + kept, terms, what, i);
     }
     EXPECT_TRUE(y.canaries_live()) << what;
 }

@@ -178,8 +178,10 @@ TEST(cblas_numeric, both_layouts_give_the_same_result)
     for (const cblas_row *row : rows_with([](c_call &call) { return call.has_layout; })) {
         SCOPED_TRACE(row->name);
         c_call options(*row, 3);
-        for (int64_t turn = 0; turn < (options.grouped ? 3 : 1); ++turn) {
+        for (int64_t turn = 0; turn < (options.grouped || options.has("stridex") ? 3 : 1); ++turn) {
             turn_options(options, turn);
+            if (options.has("stridex"))
+                options.set("stridex", 25 * turn); // 0: one vector for the whole batch
             options.for_each_option([&] {
                 bool refused = false;
                 for (int64_t g = 0; g < (options.grouped ? 3 : 1); ++g)

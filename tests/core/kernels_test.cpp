@@ -1,7 +1,6 @@
 // The dense kernels behind the core: which set computes, with how many threads, and what becomes of them
 // when a process forks, ends or closes the library. Each case needs a process in which no kernel has run
 // before.
-#include "xkl_service_types.h"
 #include "service/service_entries.h"
 #include "xkl_service_types.h"
 

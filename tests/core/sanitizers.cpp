@@ -10,5 +10,5 @@ extern "C" const char *__tsan_default_options()
 // each other. What it sees is their memset, when they clear a result.
 extern "C" const char *__tsan_default_suppressions()
 {
-    return "race:_beta_\n";
+    return "race:_beta_\nrace:scal_k_\n";
 }

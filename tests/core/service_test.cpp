@@ -438,4 +438,13 @@ TEST(Callbacks, PivotKeepsItsSignAndProgressCanStop)
     EXPECT_EQ(xkl_serv_set_progress(nullptr), stop);
 }
 
+TEST(Reporter, HandlerMayThrowEachTime)
+{
+    const int64_t position = 8;
+    const auto previous = xkl_serv_set_xerbla([](const char *, const int64_t *at, int64_t) { throw *at; });
+    for (int i = 0; i < 2; ++i)
+        EXPECT_THROW(xkl_serv_default_xerbla("DGEMM ", &position, 6), int64_t);
+    xkl_serv_set_xerbla(previous);
+}
+
 } // namespace

@@ -402,6 +402,11 @@ TEST_F(cblas, mixed_gemm_by_rows_multiplies_complex_matrices)
         call.make();
         expect_report(row->name, 1000);
         reset();
+        write(call.at("alpha").data(), row->element, 0, 0);
+        call.at("a").missing = true; // which nothing reads now
+        call.make();
+        EXPECT_EQ(recorded.calls.size(), 1u);
+        reset();
     }
 }
 

@@ -18,7 +18,10 @@ constexpr const char *defined = TEXT(DEFINED);
 } // namespace
 
 #ifdef IS_REPORTER
-extern "C" void DEFINED(const char *, const int64_t *, int64_t) { ++captured; }
+extern "C" void DEFINED(const char *, const int64_t *, int64_t)
+{
+    ++captured;
+}
 #elif defined IS_PROGRESS
 extern "C" int32_t DEFINED(const int64_t *, const int64_t *, const char *, int64_t)
 {
@@ -43,8 +46,10 @@ struct chain_link {
 #ifdef IS_REPORTER
 const int64_t position = 8;
 const chain_link links[] = {
-    {"cdecl_xerbla", [] { cdecl_xerbla("DGEMM ", &position, 6); }}, {"xerbla", [] { xerbla("DGEMM ", &position, 6); }},
-    {"xerbla_", [] { xerbla_("DGEMM ", &position, 6); }},           {"XERBLA_", [] { XERBLA_("DGEMM ", &position, 6); }},
+    {"cdecl_xerbla", [] { cdecl_xerbla("DGEMM ", &position, 6); }},
+    {"xerbla", [] { xerbla("DGEMM ", &position, 6); }},
+    {"xerbla_", [] { xerbla_("DGEMM ", &position, 6); }},
+    {"XERBLA_", [] { XERBLA_("DGEMM ", &position, 6); }},
     {"XERBLA", [] { XERBLA("DGEMM ", &position, 6); }},
 };
 #elif defined IS_PROGRESS
@@ -69,8 +74,8 @@ const chain_link links[] = {
 
 bool fail(const char *entered, int expected)
 {
-    std::printf("a call to %s arrived %d times at this program's %s instead of %d\n", entered, captured, defined,
-                expected);
+    std::printf("a call to %s arrived %d times at this program's %s instead of %d\n", entered, captured,
+                defined, expected);
     return false;
 }
 

@@ -9,8 +9,7 @@
 
 recording recorded;
 
-namespace
-{
+namespace {
 
 xkl_xerbla_handler registered = nullptr;
 double ticks = 0;

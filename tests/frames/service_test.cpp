@@ -12,8 +12,7 @@
 
 extern "C" void xkl_serv_xerbla(const char *name, const int64_t *position, int64_t length);
 
-namespace
-{
+namespace {
 
 /// Entries that the recording core implements itself are tested by hand below.
 bool by_hand(const std::string &name)
@@ -34,8 +33,7 @@ std::vector<const routine_row *> forwarders(Wanted wanted)
     return rows;
 }
 
-class forwarder : public testing::TestWithParam<const routine_row *>
-{
+class forwarder : public testing::TestWithParam<const routine_row *> {
   protected:
     const routine_row &row = *GetParam();
     // More than 32 bits, so that a wrong width shows.
@@ -78,9 +76,7 @@ TEST_P(forwarder, fortran_spellings_read_values_through_addresses)
     }
 }
 
-class mixed_forwarder : public forwarder
-{
-};
+class mixed_forwarder : public forwarder {};
 
 TEST_P(mixed_forwarder, mixed_case_spelling_passes_values)
 {
@@ -157,6 +153,7 @@ TEST(reporters, lapacke_xerbla_prints_and_never_reaches_xerbla)
         {-1010, "Not enough memory to allocate work array in LAPACKE_dgesv\n"},
         {-1011, "Not enough memory to transpose matrix in LAPACKE_dgesv\n"},
         {-3, "Wrong parameter 3 in LAPACKE_dgesv\n"},
+        {INT64_MIN, "Wrong parameter 0 in LAPACKE_dgesv\n"},
         {0, ""},
         {5, ""},
     };

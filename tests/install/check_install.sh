@@ -35,9 +35,10 @@ for file in "$prefix"/lib/*.so "$prefix"/bin/*; do
     esac
 done
 
-step "each header stands alone, in C and in C++"
+step "each header stands alone, in C and in C++, old and new"
 for header in "$prefix"/include/xkl/*.h; do
-    for language in c c++; do
+    for language in "c -std=c99" c "c++ -std=c++11" c++; do
+        # shellcheck disable=SC2086 # a language and its year
         echo "#include \"$header\"" |
             cc -x $language -Wall -Wextra -Wpedantic -Werror -fsyntax-only "-I$prefix/include/xkl" - ||
             fail "$header does not stand alone in $language"
