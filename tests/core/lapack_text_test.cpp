@@ -116,6 +116,34 @@ TEST(results, division_of_a_vector_by_a_complex_number)
     EXPECT_EQ(x, before);
 }
 
+// LAPACK takes rows of matrices that end where memory ends.
+TEST(results, dot_products_of_rows_read_nothing_beyond_them)
+{
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    void *mapped = mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(mapped, MAP_FAILED);
+    char *end = static_cast<char *>(mapped) + page;
+    ASSERT_EQ(mprotect(end, page, PROT_NONE), 0);
+    const int64_t row = 3, one = 1, up = -3;
+    const std::complex<double> y[] = {{1, 2}, {3, 4}, {5, 6}, {7, 8}};
+    for (int64_t n = 1; n <= 4; ++n) {
+        auto *x = reinterpret_cast<std::complex<double> *>(end) - ((n - 1) * row + 1);
+        std::complex<double> forward = 0, backward = 0;
+        for (int64_t i = 0; i < n; ++i) {
+            x[i * row] = {static_cast<double>(i), 2};
+            forward += x[i * row] * y[i];
+        }
+        for (int64_t i = 0; i < n; ++i)
+            backward += std::conj(x[(n - 1 - i) * row]) * y[i];
+        std::complex<double> found;
+        zdotu(&found, &n, x, &row, y, &one);
+        EXPECT_EQ(found, forward) << n;
+        zdotc(&found, &n, x, &up, y, &one);
+        EXPECT_EQ(found, backward) << n;
+    }
+    munmap(mapped, 2 * page);
+}
+
 TEST(machine_constants, as_older_programs_find_them)
 {
     const double one = 1;

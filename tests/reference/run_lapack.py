@@ -63,21 +63,27 @@ def kernel_set(options):
     return {"LD_LIBRARY_PATH": str(options.openblas), "OPENBLAS_CORETYPE": tool.stdout.strip()}
 
 
-def complaints_about(options, program, ours, reference, alone, bindings):
+def shortcomings(ours, other):
+    """What went worse than over another library."""
+    found = []
+    if ours.status and not other.status:
+        found.append(f"it ended with status {ours.status}")
+    if ours.ends < other.ends:
+        found.append("it did not come to its end")
+    if ours.tests < other.tests:
+        found.append(f"it ran {ours.tests} tests instead of {other.tests}")
+    if ours.failed > other.failed:
+        found += [f"{ours.failed} tests failed instead of {other.failed}", *ours.remarks]
+    return found
+
+
+def complaints_about(options, program, ours, bindings):
     libraries = [os.path.realpath(path) for path in (options.companion, options.library)]
     bound, complaints = preload.routines_bound(program, bindings, libraries)
     if not bound:
         complaints.append("it called no routine of the library under test")
-    if ours.status:
-        complaints.append(f"it ended with status {ours.status}")
     if not ours.tests:
         complaints.append("it tested nothing")
-    if ours.tests < reference.tests:
-        complaints.append(f"it ran {ours.tests} tests, over the reference {reference.tests}")
-    if ours.ends < reference.ends:
-        complaints.append("it did not come to its end")
-    if ours.failed > max(reference.failed, alone.failed if alone else 0):
-        complaints += [f"{ours.failed} tests failed, over the reference {reference.failed}", *ours.remarks]
     return complaints
 
 
@@ -88,13 +94,18 @@ def compare(options, program, commands):
     ours, bindings = run_once(options, program, commands, front, None)
     places = ":".join(map(str, options.reference))
     reference, _ = run_once(options, program, commands, (), {"LD_LIBRARY_PATH": places})
-    alone = None
-    if options.kernels or ours.failed > reference.failed:
+    complaints = complaints_about(options, program, ours, bindings)
+    worse = shortcomings(ours, reference)
+    alone, remark = None, ""
+    if worse or options.kernels:
         alone, _ = run_once(options, program, commands, (), kernel_set(options))
-    complaints = complaints_about(options, program, ours, reference, alone, bindings)
-    alone_failed = alone.failed if alone else "-"
-    print(f"{program:12} {commands:10} {ours.tests:8} {ours.failed:7} {reference.failed:9} {alone_failed:>9} "
-          f"{ours.seconds:7.1f}{'' if not complaints else '  FAILED'}", flush=True)
+    if worse and shortcomings(ours, alone):
+        complaints += worse
+    elif worse:
+        remark = f"  the kernels': {worse[0]}"
+    print(f"{program:12} {commands:10} {ours.tests:8} {ours.failed:7} {reference.failed:9} "
+          f"{alone.failed if alone else '-':>9} {ours.seconds:7.1f}{'  FAILED' if complaints else remark}",
+          flush=True)
     for line in complaints[:20]:
         print(f"    {line}")
     return not complaints
