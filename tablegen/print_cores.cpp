@@ -1,6 +1,6 @@
-// Everything about core entries: prototypes, the default core's forwards, stand-ins and manifest, and the
-// two small cores that stand in its place: one that records what reaches it (tests) and one that does
-// nothing (measurements).
+// Everything about core entries: prototypes, the default core's forwards, own entries, stand-ins and
+// manifest, and the two small cores that stand in its place: one that records what reaches it (tests) and
+// one that does nothing (measurements).
 #include "kinds.h"
 #include "names.h"
 #include "printers.h"
@@ -12,11 +12,11 @@
 namespace tablegen {
 namespace {
 
-const std::string *provider_of(const routine &row, const std::vector<provider> &providers)
+const provider *provider_of(const routine &row, const std::vector<provider> &providers)
 {
     for (const provider &each : providers)
         if (each.name == row.name)
-            return &each.by;
+            return &each;
     return nullptr;
 }
 
@@ -74,8 +74,8 @@ void print_core_forwards(std::ostream &out, const routines &rows, const std::vec
     out << "#include \"core_" << rows.front().family << ".h\"\n#include \"openblas/forward.h\"\n"
         << "#include \"service/missing_entry.h\"\n";
     for (const routine &row : rows) {
-        const std::string *by = provider_of(row, providers);
-        if (by && *by == "own")
+        const provider *by = provider_of(row, providers);
+        if (by && by->by == "own")
             continue;
         const std::string result = c_result(row);
         out << "\n// " << row.name << ": " << row.place << "\n";
@@ -85,13 +85,36 @@ void print_core_forwards(std::ostream &out, const routines &rows, const std::vec
                 << core_entry(row) << "\");\n}\n";
             continue;
         }
-        const std::string kernel = row.lower() + "_";
+        const std::string kernel = by->callee + "_";
         out << "extern \"C\" " << result << " " << kernel << "(" << core_parameter_list(row) << ");\n"
             << "extern \"C\" " << result << " " << core_entry(row) << "(" << core_parameter_list(row)
             << ")\n{\n"
             << "    return xkl::core::on_openblas<" << kernel << ">(" << argument_names(core_arguments(row))
             << ");\n}\n";
     }
+}
+
+void print_core_own(std::ostream &out, const routines &rows, const std::vector<provider> &providers,
+                    const std::string &header)
+{
+    const std::string folder = rows.front().family;
+    // The element types come first: the templates have the core's, and so must the prototypes.
+    out << "#include \"" << folder << "/elements.h\"\n#include \"" << folder << "/" << header
+        << ".h\" // named by the core's providers.tbl\n";
+    bool found = false;
+    for (const routine &row : rows) {
+        const provider *by = provider_of(row, providers);
+        if (!by || by->header != header)
+            continue;
+        found = true;
+        const std::string type = row.element ? "<" + c_element("t", row.element) + ">" : "";
+        out << "\n// " << row.name << ": " << row.place << "\nextern \"C\" " << c_result(row) << " "
+            << core_entry(row) << "(" << visible_parameter_list(row)
+            << ")\n{\n    return xkl::core::" << by->callee << type << "("
+            << argument_names(all_arguments(row)) << ");\n}\n";
+    }
+    if (!found)
+        throw table_error("no provider is `own:" + header + "`");
 }
 
 void print_core_manifest(std::ostream &out, const routines &rows, const std::vector<provider> &providers)
@@ -101,11 +124,11 @@ void print_core_manifest(std::ostream &out, const routines &rows, const std::vec
            "= {\n";
     const routines entries = with_entries(rows);
     for (const routine &row : entries) {
-        const std::string *by = provider_of(row, providers);
+        const provider *by = provider_of(row, providers);
         const bool service = row.family == "service"; // all written in core/service
         out << "    {\"" << row.family << "\", \"" << core_entry(row) << "\", provider::"
             << (service ? "own"
-                : by    ? *by
+                : by    ? by->by
                         : "none")
             << "},\n";
     }

@@ -63,14 +63,7 @@ void print_row(std::ostream &out, const routine &row)
 
 void print_checker(std::ostream &out, const routine &row)
 {
-    std::string parameters;
-    for (const argument &each : all_arguments(row))
-        parameters += type_of(each, row.element) + each.name + ", ";
-    const int ignored = hidden_lengths(row) + (row.frame.group ? 1 : 0);
-    for (int i = 0; i < ignored; ++i)
-        parameters += "int64_t, ";
-    parameters.resize(parameters.size() - 2);
-    out << "extern \"C\" int64_t " << checker(row) << "(" << parameters << ")\n{\n"
+    out << "extern \"C\" int64_t " << checker(row) << "(" << visible_parameter_list(row) << ")\n{\n"
         << "    return xkl::report_first_bad<" << row_structure(row) << ">("
         << argument_names(all_arguments(row)) << ");\n}\n";
 }
@@ -96,6 +89,14 @@ std::string parameter_list(const routine &row)
     for (const argument &each : all_arguments(row))
         parts.push_back(type_of(each, row.element) + each.name);
     return parts.empty() ? "void" : joined(parts);
+}
+
+std::string visible_parameter_list(const routine &row)
+{
+    std::string text = parameter_list(row);
+    for (int i = hidden_lengths(row) + (row.frame.group ? 1 : 0); i > 0; --i)
+        text += ", int64_t";
+    return text;
 }
 
 std::string core_parameter_list(const routine &row, bool named)

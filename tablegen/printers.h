@@ -23,10 +23,12 @@ void print_c_header(std::ostream &out, const routines &rows, const std::string &
 void print_cblas_header(std::ostream &out, const std::vector<shaped> &rows);
 void print_fortran_module(std::ostream &out, const routines &rows);
 
-// Cores: the entries' prototypes, the default core's forwards and stand-ins, and two cores for tests and
-// measurements.
+// Cores: the entries' prototypes, the default core's forwards, stand-ins and own entries, and two cores for
+// tests and measurements.
 void print_core_header(std::ostream &out, const routines &rows);
 void print_core_forwards(std::ostream &out, const routines &rows, const std::vector<provider> &providers);
+void print_core_own(std::ostream &out, const routines &rows, const std::vector<provider> &providers,
+                    const std::string &header);
 void print_core_manifest(std::ostream &out, const routines &rows, const std::vector<provider> &providers);
 void print_null_core(std::ostream &out, const routines &rows);
 void print_recording_core(std::ostream &out, const routines &rows);
@@ -38,7 +40,8 @@ void print_test_rows(std::ostream &out, const routines &rows);
 void print_cblas_test_rows(std::ostream &out, const std::vector<shaped> &rows);
 
 // Shared by the printers.
-std::string parameter_list(const routine &row); // const char *transa, ...
+std::string parameter_list(const routine &row);         // const char *transa, ...
+std::string visible_parameter_list(const routine &row); // with types only for what is behind the list
 std::string core_parameter_list(const routine &row,
                                 bool named = true);            // with the trailing 0 and hidden lengths
 std::string argument_names(const std::vector<argument> &args); // transa, ...

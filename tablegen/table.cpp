@@ -236,6 +236,32 @@ const routine &find(const reader &at, const std::vector<routine> &base, const st
     return *found;
 }
 
+/// The providers of a row's routines, one a type. All types have one template, called as the routine.
+void add_providers(const reader &at, const std::vector<routine> &base, const words &columns,
+                   std::vector<provider> &to)
+{
+    if (columns.size() != 3)
+        at.fail("a row has the columns name, types and provider");
+    const auto colon = columns[2].find(':');
+    const std::string by = columns[2].substr(0, colon);
+    const std::string detail = colon == std::string::npos ? "" : columns[2].substr(colon + 1);
+    static const std::set<std::string> known = {"openblas", "tmglib", "own"};
+    const bool own = by == "own", detailed = colon != std::string::npos;
+    if (!known.contains(by) || detailed == detail.empty())
+        at.fail(
+            "`" + columns[2] +
+            "` is no provider; they are `openblas`, `openblas:ROUTINE`, `tmglib`, `own:HEADER` and `own`");
+    std::string untyped = to_lower(columns[0]);
+    std::erase(untyped, '?');
+    const auto callees = expand(at, own || detail.empty() ? columns[0] : detail, columns[1]);
+    auto callee = callees.begin();
+    for (const instance &one : expand(at, columns[0], columns[1])) {
+        const std::string name = find(at, base, one.name).name;
+        to.push_back({name, by, own ? untyped : to_lower(callee->name), own ? detail : ""});
+        ++callee;
+    }
+}
+
 } // namespace
 
 std::vector<routine> read_tables(const std::vector<std::string> &files)
@@ -266,16 +292,11 @@ std::vector<shaped> read_shapes(const std::string &file, const std::vector<routi
 std::vector<provider> read_providers(const std::vector<std::string> &files,
                                      const std::vector<routine> &base)
 {
-    static const std::set<std::string> known = {"openblas", "tmglib", "own"};
     std::vector<provider> result;
     for (const std::string &file : files) {
         reader at(file);
-        for (words columns = at.next(); !columns.empty(); columns = at.next()) {
-            if (columns.size() != 3 || !known.contains(columns[2]))
-                at.fail("a row has the columns name, types, and `openblas`, `tmglib` or `own`");
-            for (const instance &one : expand(at, columns[0], columns[1]))
-                result.push_back({find(at, base, one.name).name, columns[2]});
-        }
+        for (words columns = at.next(); !columns.empty(); columns = at.next())
+            add_providers(at, base, columns, result);
     }
     return result;
 }

@@ -62,8 +62,10 @@ std::vector<shaped> read_shapes(const std::string &file, const std::vector<routi
 
 /// Who serves a core entry in the default core. Entries that no row names are stand-ins.
 struct provider {
-    std::string name; // upper-case routine name
-    std::string by;   // openblas: forwarded to the Fortran routine of that name; own: written in core/
+    std::string name;   // upper-case routine name
+    std::string by;     // openblas: forwarded to a Fortran routine there; own: written in core/
+    std::string callee; // that Fortran routine, lower case; or the core's own template
+    std::string header; // own: the header of core/ that has the template
 };
 std::vector<provider> read_providers(const std::vector<std::string> &files,
                                      const std::vector<routine> &base);

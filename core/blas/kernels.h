@@ -56,8 +56,8 @@ copy_routine<float> scopy_;
 copy_routine<double> dcopy_;
 copy_routine<complex8> ccopy_;
 copy_routine<complex16> zcopy_;
-dot_routine<float> sdot_;
-dot_routine<double> ddot_;
+dot_routine<complex8> cdotc_, cdotu_;
+dot_routine<complex16> zdotc_, zdotu_;
 }
 
 template <class T>
@@ -70,7 +70,6 @@ struct kernels<float> {
     static constexpr auto gemv = sgemv_;
     static constexpr auto axpy = saxpy_;
     static constexpr auto copy = scopy_;
-    static constexpr auto dot = sdot_;
 };
 template <>
 struct kernels<double> {
@@ -80,7 +79,6 @@ struct kernels<double> {
     static constexpr auto gemv = dgemv_;
     static constexpr auto axpy = daxpy_;
     static constexpr auto copy = dcopy_;
-    static constexpr auto dot = ddot_;
 };
 template <>
 struct kernels<complex8> {
@@ -90,6 +88,7 @@ struct kernels<complex8> {
     static constexpr auto gemv = cgemv_;
     static constexpr auto axpy = caxpy_;
     static constexpr auto copy = ccopy_;
+    static constexpr auto dotc = cdotc_, dotu = cdotu_;
 };
 template <>
 struct kernels<complex16> {
@@ -99,6 +98,7 @@ struct kernels<complex16> {
     static constexpr auto gemv = zgemv_;
     static constexpr auto axpy = zaxpy_;
     static constexpr auto copy = zcopy_;
+    static constexpr auto dotc = zdotc_, dotu = zdotu_;
 };
 
 template <class T>

@@ -8,6 +8,13 @@
 
 namespace xkl::core {
 
+/// What one part costs, from its dimensions
+template <class... Sizes>
+double operations(Sizes... sizes)
+{
+    return (1. * ... * static_cast<double>(sizes));
+}
+
 /// body(i) for every i of 0 to count
 template <class Body>
 void for_each(int64_t count, double operations_of_one, const Body &body)

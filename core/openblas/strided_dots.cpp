@@ -2,7 +2,7 @@
 // their end, which is the end of memory for the last row of a matrix. The link directs all calls here
 // (--wrap=zdotu_ and its kin), those of its LAPACK too: the last element is taken off, and what is read
 // beyond is that one.
-#include "blas/entries.h"
+#include "blas/elements.h"
 
 #include <complex>
 #include <cstdint>
@@ -35,12 +35,34 @@ T dot(const int64_t *n, const T *x, const int64_t *incx, const T *y, const int64
 
 } // namespace
 
-#define ENTRY(T, name, conjugate)                                                                          \
-    extern "C" T __real_##name(const int64_t *, const T *, const int64_t *, const T *, const int64_t *);   \
-    extern "C" T __wrap_##name(const int64_t *n, const T *x, const int64_t *incx, const T *y,              \
-                               const int64_t *incy)                                                        \
-    {                                                                                                      \
-        return dot<__real_##name, conjugate>(n, x, incx, y, incy);                                         \
-    }
-#define ENTRIES(T, t) ENTRY(T, t##dotu_, false) ENTRY(T, t##dotc_, true)
-XKL_FOR_C_Z(ENTRIES)
+template <class T>
+using dot_type = T(const int64_t *n, const T *x, const int64_t *incx, const T *y, const int64_t *incy);
+
+using xkl::core::complex16;
+using xkl::core::complex8;
+
+extern "C" {
+dot_type<complex8> __real_cdotu_, __real_cdotc_;
+dot_type<complex16> __real_zdotu_, __real_zdotc_;
+
+complex8 __wrap_cdotu_(const int64_t *n, const complex8 *x, const int64_t *incx, const complex8 *y,
+                       const int64_t *incy)
+{
+    return dot<__real_cdotu_, false>(n, x, incx, y, incy);
+}
+complex8 __wrap_cdotc_(const int64_t *n, const complex8 *x, const int64_t *incx, const complex8 *y,
+                       const int64_t *incy)
+{
+    return dot<__real_cdotc_, true>(n, x, incx, y, incy);
+}
+complex16 __wrap_zdotu_(const int64_t *n, const complex16 *x, const int64_t *incx, const complex16 *y,
+                        const int64_t *incy)
+{
+    return dot<__real_zdotu_, false>(n, x, incx, y, incy);
+}
+complex16 __wrap_zdotc_(const int64_t *n, const complex16 *x, const int64_t *incx, const complex16 *y,
+                        const int64_t *incy)
+{
+    return dot<__real_zdotc_, true>(n, x, incx, y, incy);
+}
+}

@@ -60,7 +60,8 @@ TYPED_TEST(lengths, updates)
                 expect_close(y[i], widen(alpha) * widen(x[i]) + widen(before[i]), 4, "axpy");
             scal(&n, &alpha, y.data(), &y.inc);
             for (int64_t i = 0; i < n; ++i)
-                expect_close(y[i], widen(alpha) * (widen(alpha) * widen(x[i]) + widen(before[i])), 8, "scal");
+                expect_close(y[i], widen(alpha) * (widen(alpha) * widen(x[i]) + widen(before[i])), 8,
+                             "scal");
         }
 }
 

@@ -8,22 +8,37 @@ trap 'rm -rf "$scratch"' EXIT
 failed=0
 count=0
 
-# expect MESSAGE ROW: the row stands on line 3
-expect() {
+# refused MESSAGE ROW ARGUMENT...: what tablegen makes of wrong.tbl
+refused() {
+    message=$1
+    row=$2
+    shift 2
     count=$((count + 1))
-    printf '@family blas\n@spellings blas\n%s\n' "$2" >"$scratch/wrong.tbl"
     rm -f "$scratch/out"
-    if "$tablegen" frames --tables "$scratch/wrong.tbl" -o "$scratch/out" 2>"$scratch/said"; then
-        echo "accepted: $2"
+    if "$tablegen" "$@" -o "$scratch/out" 2>"$scratch/said"; then
+        echo "accepted: $row"
         failed=1
-    elif ! grep -q "wrong.tbl:[34]: " "$scratch/said" || ! grep -qF "$1" "$scratch/said"; then
-        echo "for: $2"
+    elif ! grep -q "wrong.tbl:[34]: " "$scratch/said" || ! grep -qF "$message" "$scratch/said"; then
+        echo "for: $row"
         echo "said: $(cat "$scratch/said")"
         failed=1
     elif [ -e "$scratch/out" ]; then
-        echo "left a file behind: $2"
+        echo "left a file behind: $row"
         failed=1
     fi
+}
+
+# expect MESSAGE ROW: the row stands on line 3
+expect() {
+    printf '@family blas\n@spellings blas\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" frames --tables "$scratch/wrong.tbl"
+}
+
+# expect_provider MESSAGE ROW
+expect_provider() {
+    printf '@family blas\n@spellings blas\n?AXPY S,D traced - n:i\n' >"$scratch/right.tbl"
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" core-own --option axpy --tables "$scratch/right.tbl" --providers "$scratch/wrong.tbl"
 }
 
 expect 'unknown kind `y`' '?AXPY S,D traced - n:i a:y'
@@ -40,6 +55,13 @@ expect 'there is no spelling rule' '@spellings blass'
 expect 'a directive is' '@famly blas'
 expect 'stands in' "DSCAL - traced - n:i
 DSCAL - traced - n:i"
+
+expect_provider 'the columns name, types and provider' '?AXPY own:axpy'
+expect_provider '`own:` is no provider' '?AXPY S own:'
+expect_provider '`openblas:` is no provider' '?AXPY S openblas:'
+expect_provider '`other:axpy` is no provider' '?AXPY S other:axpy'
+expect_provider 'lists its types' '?AXPY S openblas:saxpy'
+expect_provider 'no table has the routine `CAXPY`' '?AXPY S,C own:axpy'
 
 echo "$count wrong rows"
 exit $failed

@@ -1,18 +1,18 @@
 // C := alpha*op(A)*B + beta*C and C := alpha*inv(op(A))*B + beta*C, A triangular on either side, B
 // untouched. Without beta both are the routine in place on a copy of B in C (B may then be C itself). With
 // beta the product goes block by block: C can't hold anything but the sum, and the stack holds one block.
-#include "entries.h"
+#pragma once
+
 #include "kernels.h"
 #include "parts.h"
 #include "workspace.h"
 
 namespace xkl::core {
-namespace {
-
-constexpr int64_t leaf = 64, leaf_width = 32; // 32 KB of stack in double precision complex
 
 template <class T>
 struct out_of_place {
+    static constexpr int64_t leaf = 64, leaf_width = 32; // 32 KB of stack in double precision complex
+
     char side, uplo, transa, diag;
     int64_t m, n;
     T alpha;
@@ -123,20 +123,21 @@ struct out_of_place {
     }
 };
 
-} // namespace
-} // namespace xkl::core
+template <class T>
+void trmm_oop(const char *side, const char *uplo, const char *transa, const char *diag, const int64_t *m,
+              const int64_t *n, const T *alpha, const T *a, const int64_t *lda, const T *b,
+              const int64_t *ldb, const T *beta, T *c, const int64_t *ldc)
+{
+    out_of_place<T>{*side, *uplo, *transa, *diag, *m, *n, *alpha, a, *lda, b, *ldb, *beta, c, *ldc}
+        .multiply();
+}
 
-#define ENTRY(T, name, compute)                                                                            \
-    extern "C" void xkl_blas_##name(                                                                       \
-        const char *side, const char *uplo, const char *transa, const char *diag, const int64_t *m,        \
-        const int64_t *n, const T *alpha, const T *a, const int64_t *lda, const T *b, const int64_t *ldb,  \
-        const T *beta, T *c, const int64_t *ldc, int64_t, int64_t, int64_t, int64_t)                       \
-    {                                                                                                      \
-        xkl::core::out_of_place<T>{*side, *uplo, *transa, *diag, *m,    *n, *alpha,                        \
-                                   a,     *lda,  b,       *ldb,  *beta, c,  *ldc}                          \
-            .compute;                                                                                      \
-    }
-#define ENTRIES(T, t)                                                                                      \
-    ENTRY(T, t##trmm_oop, multiply())                                                                      \
-    ENTRY(T, t##trsm_oop, solve())
-XKL_FOR_ALL_TYPES(ENTRIES)
+template <class T>
+void trsm_oop(const char *side, const char *uplo, const char *transa, const char *diag, const int64_t *m,
+              const int64_t *n, const T *alpha, const T *a, const int64_t *lda, const T *b,
+              const int64_t *ldb, const T *beta, T *c, const int64_t *ldc)
+{
+    out_of_place<T>{*side, *uplo, *transa, *diag, *m, *n, *alpha, a, *lda, b, *ldb, *beta, c, *ldc}.solve();
+}
+
+} // namespace xkl::core

@@ -1,13 +1,11 @@
 // y := alpha*op(A)*x + beta*y with a real A and complex vectors. alpha*x is taken apart into its real and
 // imaginary part, panel by panel; each meets A in a real product that adds to every second real of y.
-#include "entries.h"
+#pragma once
+
 #include "kernels.h"
 #include "parts.h"
 
 namespace xkl::core {
-namespace {
-
-constexpr int64_t panel = 512; // elements of x at a time: 8 KB of stack for both parts in double precision
 
 template <class R>
 void mixed_gemv(char trans, int64_t m, int64_t n, std::complex<R> alpha, const R *a, int64_t lda,
@@ -15,6 +13,8 @@ void mixed_gemv(char trans, int64_t m, int64_t n, std::complex<R> alpha, const R
                 int64_t incy)
 {
     using C = std::complex<R>;
+    // Elements of x at a time: 8 KB of stack for both parts in double precision
+    constexpr int64_t panel = 512;
     if (m <= 0 || n <= 0)
         return;
     const bool plain = is(trans, 'N');
@@ -39,15 +39,12 @@ void mixed_gemv(char trans, int64_t m, int64_t n, std::complex<R> alpha, const R
     }
 }
 
-} // namespace
-} // namespace xkl::core
+/// T is the type of the vectors. The plain product of kernels.h, which takes values, has the same name.
+template <class T>
+void gemv(const char *trans, const int64_t *m, const int64_t *n, const T *alpha, const real_of<T> *a,
+          const int64_t *lda, const T *x, const int64_t *incx, const T *beta, T *y, const int64_t *incy)
+{
+    mixed_gemv(*trans, *m, *n, *alpha, a, *lda, x, *incx, *beta, y, *incy);
+}
 
-#define ENTRY(R, T, name)                                                                                  \
-    extern "C" void xkl_blas_##name(const char *trans, const int64_t *m, const int64_t *n, const T *alpha, \
-                                    const R *a, const int64_t *lda, const T *x, const int64_t *incx,       \
-                                    const T *beta, T *y, const int64_t *incy, int64_t)                     \
-    {                                                                                                      \
-        xkl::core::mixed_gemv(*trans, *m, *n, *alpha, a, *lda, x, *incx, *beta, y, *incy);                 \
-    }
-ENTRY(float, xkl::core::complex8, scgemv)
-ENTRY(double, xkl::core::complex16, dzgemv)
+} // namespace xkl::core

@@ -1,16 +1,16 @@
 // B := alpha*op(A)*B or alpha*B*op(A), A triangular and packed. Packed columns have no leading dimension,
 // so A is unpacked block by block on the stack; the order of the blocks lets B be overwritten in place.
-#include "entries.h"
+#pragma once
+
 #include "kernels.h"
 #include "parts.h"
 
 namespace xkl::core {
-namespace {
-
-constexpr int64_t block = 64; // 32 KB of stack in double precision
 
 template <class T>
 struct packed_product {
+    static constexpr int64_t block = 64; // 32 KB of stack in double precision
+
     char side, uplo, transa, diag;
     int64_t m, n;
     T alpha;
@@ -84,15 +84,11 @@ struct packed_product {
     }
 };
 
-} // namespace
-} // namespace xkl::core
+template <class T>
+void ptrmm(const char *side, const char *uplo, const char *transa, const char *diag, const int64_t *m,
+           const int64_t *n, const T *alpha, const T *ap, T *b, const int64_t *ldb)
+{
+    packed_product<T>{*side, *uplo, *transa, *diag, *m, *n, *alpha, ap, b, *ldb}.run();
+}
 
-#define ENTRY(T, t)                                                                                        \
-    extern "C" void xkl_blas_##t##ptrmm(const char *side, const char *uplo, const char *transa,            \
-                                        const char *diag, const int64_t *m, const int64_t *n,              \
-                                        const T *alpha, const T *ap, T *b, const int64_t *ldb, int64_t,    \
-                                        int64_t, int64_t, int64_t)                                         \
-    {                                                                                                      \
-        xkl::core::packed_product<T>{*side, *uplo, *transa, *diag, *m, *n, *alpha, ap, b, *ldb}.run();     \
-    }
-XKL_FOR_S_D(ENTRY)
+} // namespace xkl::core

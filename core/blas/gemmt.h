@@ -1,17 +1,17 @@
 // One triangle of C := alpha*op(A)*op(B) + beta*C. C is cut in two halves again and again: the square
 // between two halves is a plain product; what is left on the diagonal is multiplied whole, aside, and its
 // triangle added.
-#include "entries.h"
+#pragma once
+
 #include "kernels.h"
 #include "parts.h"
 
 namespace xkl::core {
-namespace {
-
-constexpr int64_t leaf = 48; // 36 KB of stack in double precision complex
 
 template <class T>
 struct triangle_product {
+    static constexpr int64_t leaf = 48; // 36 KB of stack in double precision complex
+
     char uplo, transa, transb;
     int64_t k;
     T alpha;
@@ -60,18 +60,15 @@ struct triangle_product {
     }
 };
 
-} // namespace
-} // namespace xkl::core
+template <class T>
+void gemmt(const char *uplo, const char *transa, const char *transb, const int64_t *n, const int64_t *k,
+           const T *alpha, const T *a, const int64_t *lda, const T *b, const int64_t *ldb, const T *beta,
+           T *c, const int64_t *ldc)
+{
+    const triangle_product<T> product = {*uplo, *transa, *transb, *k,    *alpha, a,
+                                         *lda,  b,       *ldb,    *beta, c,      *ldc};
+    if (*n > 0)
+        product.triangle(0, *n);
+}
 
-#define ENTRY(T, t)                                                                                        \
-    extern "C" void xkl_blas_##t##gemmt(const char *uplo, const char *transa, const char *transb,          \
-                                        const int64_t *n, const int64_t *k, const T *alpha, const T *a,    \
-                                        const int64_t *lda, const T *b, const int64_t *ldb, const T *beta, \
-                                        T *c, const int64_t *ldc, int64_t, int64_t, int64_t)               \
-    {                                                                                                      \
-        if (*n > 0)                                                                                        \
-            xkl::core::triangle_product<T>{*uplo, *transa, *transb, *k,    *alpha, a,                      \
-                                           *lda,  b,       *ldb,    *beta, c,      *ldc}                   \
-                .triangle(0, *n);                                                                          \
-    }
-XKL_FOR_ALL_TYPES(ENTRY)
+} // namespace xkl::core

@@ -1,20 +1,20 @@
 // C := alpha*op(A)*op(B) + beta*C with a real A and complex B and C. alpha*op(B) is taken apart into its
 // real and its imaginary part, side by side, so that one real product serves both; its result goes together
 // again into C. That is half of the work of a complex product, block by block on the stack.
-#include "entries.h"
+#pragma once
+
 #include "kernels.h"
 #include "parallel.h"
 #include "parts.h"
 
 namespace xkl::core {
-namespace {
-
-// 64 KB for the parts of B and 32 KB for the product in double precision; a block row of C shares its parts
-// of B.
-constexpr int64_t block_rows = 64, block_columns = 32, block_depth = 128, rows_of_task = 512;
 
 template <class R>
 struct mixed_gemm {
+    // 64 KB for the parts of B and 32 KB for the product in double precision; a block row of C shares its
+    // parts of B.
+    static constexpr int64_t block_rows = 64, block_columns = 32, block_depth = 128, rows_of_task = 512;
+
     using C = std::complex<R>;
     char transa, transb;
     int64_t m, n, k;
@@ -86,17 +86,13 @@ struct mixed_gemm {
     }
 };
 
-} // namespace
-} // namespace xkl::core
+/// T is the type of B and C. The plain product of kernels.h, which takes values, has the same name.
+template <class T>
+void gemm(const char *transa, const char *transb, const int64_t *m, const int64_t *n, const int64_t *k,
+          const T *alpha, const real_of<T> *a, const int64_t *lda, const T *b, const int64_t *ldb,
+          const T *beta, T *c, const int64_t *ldc)
+{
+    mixed_gemm<real_of<T>>{*transa, *transb, *m, *n, *k, *alpha, a, *lda, b, *ldb, *beta, c, *ldc}.run();
+}
 
-#define ENTRY(R, T, name)                                                                                  \
-    extern "C" void xkl_blas_##name(const char *transa, const char *transb, const int64_t *m,              \
-                                    const int64_t *n, const int64_t *k, const T *alpha, const R *a,        \
-                                    const int64_t *lda, const T *b, const int64_t *ldb, const T *beta,     \
-                                    T *c, const int64_t *ldc, int64_t, int64_t)                            \
-    {                                                                                                      \
-        xkl::core::mixed_gemm<R>{*transa, *transb, *m, *n, *k, *alpha, a, *lda, b, *ldb, *beta, c, *ldc}   \
-            .run();                                                                                        \
-    }
-ENTRY(float, xkl::core::complex8, scgemm)
-ENTRY(double, xkl::core::complex16, dzgemm)
+} // namespace xkl::core

@@ -1,8 +1,8 @@
 // The compact routines: from the caller's options to views and kernels. Packing leaves no lane empty: where
 // there are no more matrices it repeats the last one, so that no solve divides by a padding's zero.
-#include "compact.h"
+#pragma once
 
-#include "entries.h"
+#include "compact.h"
 #include "parallel.h"
 #include "report.h"
 #include "service/reproducibility.h"
@@ -11,9 +11,8 @@
 #include <type_traits>
 
 namespace xkl::core {
-namespace {
 
-bool row_major(int32_t layout)
+inline bool row_major(int32_t layout)
 {
     return layout == CblasRowMajor;
 }
@@ -40,7 +39,7 @@ struct option {
     int64_t position;
     int32_t value, first, last;
 };
-int64_t wrong_option(std::initializer_list<option> options)
+inline int64_t wrong_option(std::initializer_list<option> options)
 {
     for (const option &each : options)
         if (each.value < each.first || each.value > each.last)
@@ -48,15 +47,15 @@ int64_t wrong_option(std::initializer_list<option> options)
     return 0;
 }
 
-option layout_option(int64_t position, int32_t value)
+inline option layout_option(int64_t position, int32_t value)
 {
     return {position, value, CblasRowMajor, CblasColMajor};
 }
-option trans_option(int64_t position, int32_t value)
+inline option trans_option(int64_t position, int32_t value)
 {
     return {position, value, CblasNoTrans, CblasConjTrans};
 }
-option format_option(int64_t position, int32_t value)
+inline option format_option(int64_t position, int32_t value)
 {
     return {position, value, XKL_COMPACT_128, XKL_COMPACT_512};
 }
@@ -238,46 +237,47 @@ void unpack(int32_t layout, int64_t m, int64_t n, T *const *a, int64_t lda, cons
     });
 }
 
-} // namespace
-} // namespace xkl::core
+template <class T>
+void xkl_gemm_compact(const int32_t *layout, const int32_t *transa, const int32_t *transb, const int64_t *m,
+                      const int64_t *n, const int64_t *k, const T *alpha, const real_of<T> *a,
+                      const int64_t *lda, const real_of<T> *b, const int64_t *ldb, const T *beta,
+                      real_of<T> *c, const int64_t *ldc, const int32_t *format, const int64_t *nm)
+{
+    multiply<T>(*layout, *transa, *transb, *m, *n, *k, *alpha, a, *lda, b, *ldb, *beta, c, *ldc, *format,
+                *nm);
+}
 
-using namespace xkl::core;
+template <class T>
+void xkl_trsm_compact(const int32_t *layout, const int32_t *side, const int32_t *uplo,
+                      const int32_t *transa, const int32_t *diag, const int64_t *m, const int64_t *n,
+                      const T *alpha, const real_of<T> *a, const int64_t *lda, real_of<T> *b,
+                      const int64_t *ldb, const int32_t *format, const int64_t *nm)
+{
+    solve<T>(*layout, *side, *uplo, *transa, *diag, *m, *n, *alpha, a, *lda, b, *ldb, *format, *nm);
+}
 
-#define ENTRIES(T, t)                                                                                      \
-    extern "C" void xkl_blas_xkl_##t##gemm_compact(                                                        \
-        const int32_t *layout, const int32_t *transa, const int32_t *transb, const int64_t *m,             \
-        const int64_t *n, const int64_t *k, const T *alpha, const real_of<T> *a, const int64_t *lda,       \
-        const real_of<T> *b, const int64_t *ldb, const T *beta, real_of<T> *c, const int64_t *ldc,         \
-        const int32_t *format, const int64_t *nm)                                                          \
-    {                                                                                                      \
-        multiply<T>(*layout, *transa, *transb, *m, *n, *k, *alpha, a, *lda, b, *ldb, *beta, c, *ldc,       \
-                    *format, *nm);                                                                         \
-    }                                                                                                      \
-    extern "C" void xkl_blas_xkl_##t##trsm_compact(                                                        \
-        const int32_t *layout, const int32_t *side, const int32_t *uplo, const int32_t *transa,            \
-        const int32_t *diag, const int64_t *m, const int64_t *n, const T *alpha, const real_of<T> *a,      \
-        const int64_t *lda, real_of<T> *b, const int64_t *ldb, const int32_t *format, const int64_t *nm)   \
-    {                                                                                                      \
-        solve<T>(*layout, *side, *uplo, *transa, *diag, *m, *n, *alpha, a, *lda, b, *ldb, *format, *nm);   \
-    }                                                                                                      \
-    extern "C" void xkl_blas_xkl_##t##gepack_compact(                                                      \
-        const int32_t *layout, const int64_t *m, const int64_t *n, const T *const *a, const int64_t *lda,  \
-        real_of<T> *ap, const int64_t *ldap, const int32_t *format, const int64_t *nm)                     \
-    {                                                                                                      \
-        pack<T>(*layout, *m, *n, a, *lda, ap, *ldap, *format, *nm);                                        \
-    }                                                                                                      \
-    extern "C" void xkl_blas_xkl_##t##geunpack_compact(                                                    \
-        const int32_t *layout, const int64_t *m, const int64_t *n, T *const *a, const int64_t *lda,        \
-        const real_of<T> *ap, const int64_t *ldap, const int32_t *format, const int64_t *nm)               \
-    {                                                                                                      \
-        unpack<T>(*layout, *m, *n, a, *lda, ap, *ldap, *format, *nm);                                      \
-    }
-XKL_FOR_ALL_TYPES(ENTRIES)
+template <class T>
+void xkl_gepack_compact(const int32_t *layout, const int64_t *m, const int64_t *n, const T *const *a,
+                        const int64_t *lda, real_of<T> *ap, const int64_t *ldap, const int32_t *format,
+                        const int64_t *nm)
+{
+    pack<T>(*layout, *m, *n, a, *lda, ap, *ldap, *format, *nm);
+}
 
-extern "C" int64_t xkl_blas_xkl_get_format_compact()
+template <class T>
+void xkl_geunpack_compact(const int32_t *layout, const int64_t *m, const int64_t *n, T *const *a,
+                          const int64_t *lda, const real_of<T> *ap, const int64_t *ldap,
+                          const int32_t *format, const int64_t *nm)
+{
+    unpack<T>(*layout, *m, *n, a, *lda, ap, *ldap, *format, *nm);
+}
+
+inline int64_t xkl_get_format_compact()
 {
     const instruction_level level = level_in_force();
     if (level >= instruction_level::avx512)
         return XKL_COMPACT_512;
     return level >= instruction_level::avx2 ? XKL_COMPACT_256 : XKL_COMPACT_128;
 }
+
+} // namespace xkl::core

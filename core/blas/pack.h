@@ -2,7 +2,8 @@
 // header that says which operand it is. Columns start on cache lines and never a page apart, where they
 // would share the cache's sets. Places are kept as offsets, so that a packed operand may be moved and
 // stored.
-#include "entries.h"
+#pragma once
+
 #include "kernels.h"
 #include "parts.h"
 #include "report.h"
@@ -10,9 +11,8 @@
 #include <cstring>
 
 namespace xkl::core {
-namespace {
 
-constexpr int64_t line = 64, page = 4096;
+inline constexpr int64_t line = 64, page = 4096;
 
 struct packed_header {
     char mark[7]; // "XKLPACK"
@@ -22,11 +22,11 @@ struct packed_header {
     int64_t ld;
     int64_t offset; // of the elements, in bytes from the header
 };
-constexpr int64_t space_for_header =
+inline constexpr int64_t space_for_header =
     sizeof(packed_header) + line; // the elements start on a line wherever it stands
-constexpr char mark[] = "XKLPACK";
+inline constexpr char mark[] = "XKLPACK";
 
-packed_header describe(char identifier, int64_t m, int64_t n, int64_t k, int64_t element_size)
+inline packed_header describe(char identifier, int64_t m, int64_t n, int64_t k, int64_t element_size)
 {
     const bool a = is(identifier, 'A');
     packed_header header = {{}, a ? 'A' : 'B', element_size, a ? m : k, a ? k : n, 0, 0};
@@ -40,12 +40,12 @@ packed_header describe(char identifier, int64_t m, int64_t n, int64_t k, int64_t
 
 /// INT64_MAX, which no allocator grants, for sizes beyond the address space
 template <class T>
-int64_t packed_size(char identifier, int64_t m, int64_t n, int64_t k)
+int64_t gemm_pack_get_size(const char *identifier, const int64_t *m, const int64_t *n, const int64_t *k)
 {
     constexpr int64_t longest = INT64_MAX / page;
-    if (std::max({m, n, k}) > longest)
+    if (std::max({*m, *n, *k}) > longest)
         return INT64_MAX;
-    const packed_header header = describe(identifier, m, n, k, sizeof(T));
+    const packed_header header = describe(*identifier, *m, *n, *k, sizeof(T));
     int64_t bytes;
     if (__builtin_mul_overflow(header.ld, header.columns, &bytes) ||
         __builtin_mul_overflow(bytes, static_cast<int64_t>(sizeof(T)), &bytes) ||
@@ -67,22 +67,24 @@ void copy_transposed(int64_t rows, int64_t columns, T alpha, const T *src, int64
 }
 
 template <class T>
-void pack(char identifier, char trans, int64_t m, int64_t n, int64_t k, T alpha, const T *src, int64_t ld,
-          T *dest)
+void gemm_pack(const char *identifier, const char *trans, const int64_t *m, const int64_t *n,
+               const int64_t *k, const T *alpha, const T *src, const int64_t *ld, T *dest)
 {
-    packed_header header = describe(identifier, m, n, k, sizeof(T));
+    packed_header header = describe(*identifier, *m, *n, *k, sizeof(T));
     char *start = reinterpret_cast<char *>(dest);
     const auto unaligned = reinterpret_cast<uintptr_t>(start + sizeof header);
     header.offset = static_cast<int64_t>(sizeof header + (line - unaligned % line) % line);
     std::memcpy(start, &header, sizeof header);
     T *to = reinterpret_cast<T *>(start + header.offset);
-    if (alpha == T(0))
+    const T factor = *alpha;
+    const int64_t distance = *ld;
+    if (factor == T(0))
         return scale(header.rows, header.columns, T(0), to, header.ld);
-    if (!is(trans, 'N'))
-        return copy_transposed(header.rows, header.columns, alpha, src, ld, to, header.ld);
+    if (!is(*trans, 'N'))
+        return copy_transposed(header.rows, header.columns, factor, src, distance, to, header.ld);
     for (int64_t j = 0; j < header.columns; ++j)
-        std::transform(src + j * ld, src + j * ld + header.rows, to + j * header.ld,
-                       [alpha](T each) { return alpha * each; });
+        std::transform(src + j * distance, src + j * distance + header.rows, to + j * header.ld,
+                       [factor](T each) { return factor * each; });
 }
 
 /// An operand of a product, packed or plain, as the plain product takes it
@@ -110,39 +112,19 @@ bool unpack(operand<T> &given, char identifier, int64_t m, int64_t n, int64_t k)
 }
 
 template <class T>
-void compute(operand<T> a, operand<T> b, int64_t m, int64_t n, int64_t k, T beta, T *c, int64_t ldc)
+void gemm_compute(const char *transa, const char *transb, const int64_t *m, const int64_t *n,
+                  const int64_t *k, const T *a, const int64_t *lda, const T *b, const int64_t *ldb,
+                  const T *beta, T *c, const int64_t *ldc)
 {
-    if (m <= 0 || n <= 0)
+    operand<T> left = {*transa, a, *lda}, right = {*transb, b, *ldb};
+    if (*m <= 0 || *n <= 0)
         return;
-    if (!unpack(a, 'A', m, n, k))
+    if (!unpack(left, 'A', *m, *n, *k))
         return report("?GEMM_COMPUTE ", letter_of<T>, 6);
-    if (!unpack(b, 'B', m, n, k))
+    if (!unpack(right, 'B', *m, *n, *k))
         return report("?GEMM_COMPUTE ", letter_of<T>, 8);
-    gemm(a.trans, b.trans, m, n, k, T(1), a.elements, a.ld, b.elements, b.ld, beta, c, ldc);
+    gemm(left.trans, right.trans, *m, *n, *k, T(1), left.elements, left.ld, right.elements, right.ld, *beta,
+         c, *ldc);
 }
 
-} // namespace
 } // namespace xkl::core
-
-using namespace xkl::core;
-
-#define ENTRIES(T, t)                                                                                      \
-    extern "C" int64_t xkl_blas_##t##gemm_pack_get_size(const char *identifier, const int64_t *m,          \
-                                                        const int64_t *n, const int64_t *k, int64_t)       \
-    {                                                                                                      \
-        return packed_size<T>(*identifier, *m, *n, *k);                                                    \
-    }                                                                                                      \
-    extern "C" void xkl_blas_##t##gemm_pack(const char *identifier, const char *trans, const int64_t *m,   \
-                                            const int64_t *n, const int64_t *k, const T *alpha,            \
-                                            const T *src, const int64_t *ld, T *dest, int64_t, int64_t)    \
-    {                                                                                                      \
-        pack<T>(*identifier, *trans, *m, *n, *k, *alpha, src, *ld, dest);                                  \
-    }                                                                                                      \
-    extern "C" void xkl_blas_##t##gemm_compute(const char *transa, const char *transb, const int64_t *m,   \
-                                               const int64_t *n, const int64_t *k, const T *a,             \
-                                               const int64_t *lda, const T *b, const int64_t *ldb,         \
-                                               const T *beta, T *c, const int64_t *ldc, int64_t, int64_t)  \
-    {                                                                                                      \
-        compute<T>({*transa, a, *lda}, {*transb, b, *ldb}, *m, *n, *k, *beta, c, *ldc);                    \
-    }
-XKL_FOR_S_D(ENTRIES)
