@@ -112,12 +112,15 @@ frame_spec parse_frame(const reader &at, std::string text)
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
     static const std::set<std::string> known = {"checked", "registered",    "traced", "through",
-                                                "forward", "forward-mixed", "own"};
+                                                "forward", "forward-mixed", "helper", "own"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
-                "`; frames are checked, registered, traced, through, forward, forward-mixed, own");
-    if ((frame.kind == "checked") != !frame.rule.empty() && frame.kind != "forward")
-        at.fail("a checked frame, and no other, names its checks: `checked:gemm`");
+                "`; frames are checked, registered, traced, through, forward, forward-mixed, helper, own");
+    const bool has_rule = frame.kind == "checked" || frame.kind == "helper";
+    if (has_rule != !frame.rule.empty() && frame.kind != "forward")
+        at.fail(
+            "a checked frame names its checks (`checked:gemm`), a helper its template (`helper:tr_trans`), "
+            "and no other frame a rule");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
         at.fail("only checked and traced frames have a group form");
     return frame;
