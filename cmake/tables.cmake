@@ -8,6 +8,7 @@ set(XKL_LAPACK_TABLE_NAMES
     general symmetric triangular orthogonal auxiliary functions matgen deprecated extensions)
 list(TRANSFORM XKL_LAPACK_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapack/ OUTPUT_VARIABLE XKL_LAPACK_TABLES)
 list(TRANSFORM XKL_LAPACK_TABLES APPEND .tbl)
+set(XKL_LAPACKE_HELPERS ${PROJECT_SOURCE_DIR}/src/lapacke/helpers.tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 
 # For ./dev, which reads no CMake.

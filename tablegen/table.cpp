@@ -112,15 +112,16 @@ frame_spec parse_frame(const reader &at, std::string text)
     }
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
-    static const std::set<std::string> known = {"checked", "guarded", "registered",    "traced",
-                                                "through", "forward", "forward-mixed", "own"};
+    static const std::set<std::string> known = {"checked", "guarded", "registered",    "traced", "through",
+                                                "forward", "forward-mixed", "helper", "own"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
                 "`; frames are checked, guarded, registered, traced, through, forward, forward-mixed, "
-                "own");
-    const bool checks = frame.kind == "checked" || frame.kind == "guarded";
-    if (checks != !frame.rule.empty() && frame.kind != "forward")
-        at.fail("a checked or guarded frame, and no other, names its checks: `checked:gemm`");
+                "helper, own");
+    const bool has_rule = frame.kind == "checked" || frame.kind == "guarded" || frame.kind == "helper";
+    if (has_rule != !frame.rule.empty() && frame.kind != "forward")
+        at.fail("a checked or guarded frame names its checks (`checked:gemm`), a helper its template "
+                "(`helper:tr_trans`), and no other frame a rule");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
         at.fail("only checked and traced frames have a group form");
     return frame;
