@@ -9,10 +9,17 @@ set(XKL_LAPACK_TABLE_NAMES
 list(TRANSFORM XKL_LAPACK_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapack/ OUTPUT_VARIABLE XKL_LAPACK_TABLES)
 list(TRANSFORM XKL_LAPACK_TABLES APPEND .tbl)
 set(XKL_LAPACKE_HELPERS ${PROJECT_SOURCE_DIR}/src/lapacke/helpers.tbl)
+set(XKL_LAPACKE_TABLE_NAMES
+    linear_general linear_positive linear_symmetric linear_triangular conversion least_squares
+    eigen_symmetric eigen_tridiagonal eigen_general singular_values auxiliary extensions)
+list(TRANSFORM XKL_LAPACKE_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapacke/ OUTPUT_VARIABLE XKL_LAPACKE_TABLES)
+list(TRANSFORM XKL_LAPACKE_TABLES APPEND .tbl)
+# What their routines stand on: ?ROT is one of BLAS.
+set(XKL_LAPACKE_BASE ${PROJECT_SOURCE_DIR}/src/blas/level1.tbl ${XKL_LAPACK_TABLES})
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 
 # For ./dev, which reads no CMake.
-foreach(family BLAS LAPACK)
+foreach(family BLAS LAPACK LAPACKE LAPACKE_BASE)
   string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
   file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
 endforeach()
@@ -21,9 +28,9 @@ set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sourc
 set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
 
-# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [OPTION text])
+# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [OPTION text])
 function(xkl_generate output command)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;OPTION" "TABLES;PROVIDERS")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;OPTION" "TABLES;PROVIDERS;LAPACKE")
   set(words ${command} -o ${output} --tables ${arg_TABLES})
   if(arg_SHAPES)
     list(APPEND words --shapes ${arg_SHAPES})
@@ -31,13 +38,16 @@ function(xkl_generate output command)
   if(arg_PROVIDERS)
     list(APPEND words --providers ${arg_PROVIDERS})
   endif()
+  if(arg_LAPACKE)
+    list(APPEND words --lapacke ${arg_LAPACKE})
+  endif()
   if(arg_OPTION)
     list(APPEND words --option ${arg_OPTION})
   endif()
   add_custom_command(
     OUTPUT ${output}
     COMMAND tablegen ${words}
-    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS}
+    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE}
     COMMENT "tablegen ${command}"
     VERBATIM)
 endfunction()

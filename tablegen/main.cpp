@@ -1,5 +1,6 @@
 // tablegen: reads routine tables and prints one file. Errors are `file:line: message`, exit code 1.
 #include "names.h"
+#include "print_lapacke.h"
 #include "printers.h"
 
 #include <algorithm>
@@ -15,32 +16,35 @@ using namespace tablegen;
 namespace {
 
 const char usage[] =
-    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--option TEXT]
+    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...]
+                [--lapacke FILE...] [--option TEXT]
 commands:
   frames         bodies and checkers under every spelling   (--option: header of the family's checks)
   frame-header   bodies and checkers, declared
   forwarders     service forwarders
   shapes         the C interface's bodies                   (--shapes)
   helpers        LAPACKE's NaN checks and layout copies
+  lapacke, lapacke-64  LAPACKE's bodies, and their twins    (--lapacke)
   companion, companion-exports  complex functions as values, for gfortran
   c-header       public C prototypes                        (--option: name of the header)
   cblas-header   public prototypes of the C interface       (--shapes)
   helper-header  public prototypes of LAPACKE's helpers     (--option: name of the header)
+  lapacke-header public prototypes of LAPACKE               (--lapacke)
   fortran        a Fortran module of explicit interfaces
   core-header    prototypes of the core's entries
   core-forwards  the default core's forwards and stand-ins  (--providers)
   core-own       the default core's own entries             (--providers; --option: their header)
   core-manifest  who serves each core entry                 (--providers)
   null-core, recording-core   cores for measurements and tests
-  exports, version-script     exported names                (--shapes, if any)
-  test-rows, cblas-test-rows  what table-driven tests walk
+  exports, version-script     exported names                (--shapes, --lapacke, if any)
+  test-rows, cblas-test-rows, lapacke-test-rows  what table-driven tests walk
   show           one routine as it is printed               (--option: its name, in upper case)
   formats        the trace format of every routine
 )";
 
 struct request {
     std::string command, output, shapes, option;
-    std::vector<std::string> tables, providers;
+    std::vector<std::string> tables, providers, lapacke;
 };
 
 request parse(int argc, char **argv)
@@ -60,6 +64,8 @@ request parse(int argc, char **argv)
             asked.tables.push_back(word);
         else if (option == "--providers")
             asked.providers.push_back(word);
+        else if (option == "--lapacke")
+            asked.lapacke.push_back(word);
         else if (option == "--shapes")
             asked.shapes = word;
         else if (option == "--option")
@@ -91,6 +97,9 @@ void run(const request &asked, std::ostream &out)
         throw table_error("no rows: name at least one table behind --tables");
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
     const auto providers = read_providers(asked.providers, rows);
+    const auto lapacke = read_lapacke(asked.lapacke, rows);
+    name_set names = exported(rows, shapes);
+    names.merge(lapacke_names(lapacke));
     const std::map<std::string, std::function<void()>> commands = {
         {"frames", [&] { print_frames(out, rows, asked.option); }},
         {"frame-header", [&] { print_frame_header(out, rows); }},
@@ -98,6 +107,9 @@ void run(const request &asked, std::ostream &out)
         {"shapes", [&] { print_shapes(out, shapes); }},
         {"helpers", [&] { print_helpers(out, rows); }},
         {"helper-header", [&] { print_helper_header(out, rows, asked.option); }},
+        {"lapacke", [&] { print_lapacke(out, lapacke, false); }},
+        {"lapacke-64", [&] { print_lapacke(out, lapacke, true); }},
+        {"lapacke-header", [&] { print_lapacke_header(out, lapacke); }},
         {"companion", [&] { print_companion(out, rows); }},
         {"companion-exports", [&] { print_companion_exports(out, rows); }},
         {"c-header", [&] { print_c_header(out, rows, asked.option); }},
@@ -109,9 +121,10 @@ void run(const request &asked, std::ostream &out)
         {"core-manifest", [&] { print_core_manifest(out, rows, providers); }},
         {"null-core", [&] { print_null_core(out, rows); }},
         {"recording-core", [&] { print_recording_core(out, rows); }},
-        {"exports", [&] { print_exports(out, rows, shapes); }},
-        {"version-script", [&] { print_version_script(out, rows, shapes); }},
+        {"exports", [&] { print_exports(out, names); }},
+        {"version-script", [&] { print_version_script(out, names); }},
         {"test-rows", [&] { print_test_rows(out, rows); }},
+        {"lapacke-test-rows", [&] { print_lapacke_test_rows(out, lapacke); }},
         {"cblas-test-rows", [&] { print_cblas_test_rows(out, shapes); }},
         {"show", [&] { show(out, rows, asked.option); }},
         {"formats",
@@ -125,7 +138,8 @@ void run(const request &asked, std::ostream &out)
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
         "exports",  "version-script", "fortran",           "formats",      "show",
-        "c-header", "cblas-header",   "companion-exports", "helper-header"};
+        "c-header", "cblas-header",   "companion-exports", "helper-header",
+        "lapacke-header"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

@@ -5,6 +5,7 @@
 #include "table.h"
 
 #include <iosfwd>
+#include <set>
 
 namespace tablegen {
 
@@ -36,13 +37,16 @@ void print_null_core(std::ostream &out, const routines &rows);
 void print_recording_core(std::ostream &out, const routines &rows);
 
 // Lists.
-void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes);
-void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes);
+using name_set = std::set<std::string>;
+name_set exported(const routines &rows, const std::vector<shaped> &shapes);
+void print_exports(std::ostream &out, const name_set &names);
+void print_version_script(std::ostream &out, const name_set &names);
 void print_test_rows(std::ostream &out, const routines &rows);
 void print_cblas_test_rows(std::ostream &out, const std::vector<shaped> &rows);
 
 // Shared by the printers.
-void print_prologue(std::ostream &out, const std::string &header, const std::string &text);
+void print_prologue(std::ostream &out, const std::string &header, const std::string &text,
+                    const std::vector<std::string> &includes = {"xkl_types.h"});
 void print_epilogue(std::ostream &out);
 std::string parameter_list(const routine &row);         // const char *transa, ...
 std::string visible_parameter_list(const routine &row); // with types only for what is behind the list
