@@ -63,6 +63,13 @@ constexpr extent operator/(extent a, Integer b)
     return a / extent(b);
 }
 
+/// The part of an array behind so many elements.
+template <class T>
+constexpr T *operator+(T *array, extent elements)
+{
+    return array + elements.value;
+}
+
 constexpr int64_t most(int64_t a, int64_t b)
 {
     return a > b ? a : b;
