@@ -6,7 +6,7 @@
 // from that: its other arguments are tested like any other's.
 #pragma once
 
-#include "matcopy/checks.h"
+#include "matcopy/checks_single.h"
 
 namespace xkl::checks {
 

@@ -297,6 +297,10 @@ TEST(matcopy_checks, known_verdicts)
              {"XKL_DOMATCOPY2", "rows=3 stridea=2 lda=4", {7}, true},
              {"XKL_DOMATCOPY2", "rows=3 stridea=2 lda=5", {}, false},
              {"XKL_DOMATCOPY2", "rows=0 stridea=2 lda=1", {}, false},
+             {"XKL_DOMATCOPY2",
+              "rows=4611686018427387905 stridea=4 lda=1",
+              {7},
+              true}, // 2^64 + 1 are needed
              {"XKL_DOMATADD", "ldc=2", {13}, false},
              {"XKL_DOMATADD", "transa=X lda=0 transb=X ldb=0 ldc=0", {2, 3, 13}, false},
              {"XKL_DOMATADD", "transa=T lda=3", {8}, true},
