@@ -130,7 +130,7 @@ void print_c_header(std::ostream &out, const routines &rows, const std::string &
         if (service)
             print_service(out, row);
         else {
-            if (is_valued(row))
+            if (row.is_valued())
                 out << declaration(row, mixed_body(row), valued_parameter_list(row));
             print_spellings(out, row, public_spellings(row));
         }
