@@ -14,48 +14,48 @@ struct unread {
     }
 };
 
-inline bool is(char given, char letter)
+[[gnu::always_inline]] inline bool is(char given, char letter)
 {
     return (given & 0xdf) == letter;
 }
 
-inline bool is_ordering(char given)
+[[gnu::always_inline]] inline bool is_ordering(char given)
 {
     return is(given, 'C') || is(given, 'R');
 }
 
 /// Whether rows and columns change places.
-inline bool turns(char trans)
+[[gnu::always_inline]] inline bool turns(char trans)
 {
     return is(trans, 'T') || is(trans, 'C');
 }
 
-inline bool is_op(char given)
+[[gnu::always_inline]] inline bool is_op(char given)
 {
     return turns(given) || is(given, 'N') || is(given, 'R');
 }
 
 /// The length of a stored line: of a column, or of a row.
-inline size_t line(char ordering, size_t rows, size_t cols)
+[[gnu::always_inline]] inline size_t line(char ordering, size_t rows, size_t cols)
 {
     return is(ordering, 'C') ? rows : cols;
 }
 
 /// The same for op of a rows by cols matrix.
-inline size_t line_of_op(char ordering, char trans, size_t rows, size_t cols)
+[[gnu::always_inline]] inline size_t line_of_op(char ordering, char trans, size_t rows, size_t cols)
 {
     return turns(trans) ? line(ordering, cols, rows) : line(ordering, rows, cols);
 }
 
 /// A leading dimension of 0 is refused even for an empty matrix.
-inline bool fits(size_t ld, size_t length)
+[[gnu::always_inline]] inline bool fits(size_t ld, size_t length)
 {
     return ld >= length && ld != 0;
 }
 
 /// The same for a line whose elements lie `stride` apart. No length is too large for the multiplication: a
 /// product beyond all integers fits nowhere.
-inline bool fits_strided(size_t ld, size_t length, size_t stride)
+[[gnu::always_inline]] inline bool fits_strided(size_t ld, size_t length, size_t stride)
 {
     if (ld == 0 || length == 0)
         return ld != 0;
@@ -71,8 +71,8 @@ struct copy_places {
 /// The tests of one copy behind the ordering. The source is tested before trans: a call with both bad is
 /// about lda.
 template <class Report>
-int64_t refused_copy(Report report, copy_places at, char ordering, char trans, size_t rows, size_t cols,
-                     size_t lda, size_t ldb)
+[[gnu::always_inline]] inline int64_t refused_copy(Report report, copy_places at, char ordering, char trans,
+                                                   size_t rows, size_t cols, size_t lda, size_t ldb)
 {
     if (!fits(lda, line(ordering, rows, cols)))
         return report(at.lda);
@@ -85,8 +85,9 @@ int64_t refused_copy(Report report, copy_places at, char ordering, char trans, s
 
 struct omatcopy {
     template <class Report>
-    static int64_t refused(Report report, char ordering, char trans, size_t rows, size_t cols, unread,
-                           unread, size_t lda, unread, size_t ldb)
+    [[gnu::always_inline]] static int64_t refused(Report report, char ordering, char trans, size_t rows,
+                                                  size_t cols, unread, unread, size_t lda, unread,
+                                                  size_t ldb)
     {
         if (!is_ordering(ordering))
             return report(1);
@@ -96,8 +97,8 @@ struct omatcopy {
 
 struct imatcopy {
     template <class Report>
-    static int64_t refused(Report report, char ordering, char trans, size_t rows, size_t cols, unread,
-                           unread, size_t lda, size_t ldb)
+    [[gnu::always_inline]] static int64_t refused(Report report, char ordering, char trans, size_t rows,
+                                                  size_t cols, unread, unread, size_t lda, size_t ldb)
     {
         if (!is_ordering(ordering))
             return report(1);
@@ -108,8 +109,9 @@ struct imatcopy {
 /// A strideb of 0 and a bad trans are reported and do not stop the copy.
 struct omatcopy2 {
     template <class Report>
-    static int64_t refused(Report report, char ordering, char trans, size_t rows, size_t cols, unread,
-                           unread, size_t lda, size_t stridea, unread, size_t ldb, size_t strideb)
+    [[gnu::always_inline]] static int64_t refused(Report report, char ordering, char trans, size_t rows,
+                                                  size_t cols, unread, unread, size_t lda, size_t stridea,
+                                                  unread, size_t ldb, size_t strideb)
     {
         if (stridea == 0)
             return report(8);
@@ -137,8 +139,9 @@ struct sum_places {
 /// The tests of one sum. A bad transa or transb is reported, and its operand's leading dimension is not
 /// tested; a bad ldc is reported and does not stop the sum.
 template <class Report>
-int64_t refused_sum(Report report, sum_places at, char ordering, char transa, char transb, size_t rows,
-                    size_t cols, size_t lda, size_t ldb, size_t ldc)
+[[gnu::always_inline]] inline int64_t refused_sum(Report report, sum_places at, char ordering, char transa,
+                                                  char transb, size_t rows, size_t cols, size_t lda,
+                                                  size_t ldb, size_t ldc)
 {
     if (!is_ordering(ordering))
         return report(1);
@@ -157,8 +160,9 @@ int64_t refused_sum(Report report, sum_places at, char ordering, char transa, ch
 
 struct omatadd {
     template <class Report>
-    static int64_t refused(Report report, char ordering, char transa, char transb, size_t rows, size_t cols,
-                           unread, unread, size_t lda, unread, unread, size_t ldb, unread, size_t ldc)
+    [[gnu::always_inline]] static int64_t refused(Report report, char ordering, char transa, char transb,
+                                                  size_t rows, size_t cols, unread, unread, size_t lda,
+                                                  unread, unread, size_t ldb, unread, size_t ldc)
     {
         return refused_sum(report, {8, 11, 13}, ordering, transa, transb, rows, cols, lda, ldb, ldc);
     }
