@@ -16,10 +16,12 @@ list(TRANSFORM XKL_LAPACKE_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapacke
 list(TRANSFORM XKL_LAPACKE_TABLES APPEND .tbl)
 # What their routines stand on: ?ROT is one of BLAS.
 set(XKL_LAPACKE_BASE ${PROJECT_SOURCE_DIR}/src/blas/level1.tbl ${XKL_LAPACK_TABLES})
+set(XKL_MATCOPY_TABLE_NAMES matcopy)
+set(XKL_MATCOPY_TABLES ${PROJECT_SOURCE_DIR}/src/matcopy/matcopy.tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 
 # For ./dev, which reads no CMake.
-foreach(family BLAS LAPACK LAPACKE LAPACKE_BASE)
+foreach(family BLAS LAPACK LAPACKE LAPACKE_BASE MATCOPY)
   string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
   file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
 endforeach()
