@@ -54,6 +54,13 @@ std::string mixed_spelling(const routine &row)
     return is_forward(row) ? row.frame.option : "";
 }
 
+/// XKL_Domatcopy: capitals to the type's letter.
+std::string valued_spelling(const routine &row)
+{
+    const std::size_t head = std::string("XKL_D").size();
+    return row.name.substr(0, head) + to_lower(row.name.substr(head));
+}
+
 } // namespace
 
 bool spelling_rule_exists(const std::string &rule)
@@ -63,6 +70,8 @@ bool spelling_rule_exists(const std::string &rule)
 
 std::string mixed_body(const routine &row)
 {
+    if (is_valued(row))
+        return valued_spelling(row);
     const bool own_body = row.frame.kind == "forward-mixed" || reads_values(row);
     return own_body ? mixed_spelling(row) : "";
 }
@@ -101,7 +110,7 @@ name_list other_spellings(const routine &row)
 std::string core_entry(const routine &row)
 {
     if (row.family != "service")
-        return "xkl_" + row.family + "_" + row.lower();
+        return "xkl_" + row.domain + "_" + row.lower();
     std::string stem = row.lower();
     for (const std::string prefix : {"xkl_serv_iface_", "xkl_"})
         if (stem.starts_with(prefix)) {
@@ -113,11 +122,23 @@ std::string core_entry(const routine &row)
 
 std::string checker(const routine &row)
 {
-    return "xkl_" + row.family + "_errchk_" + row.lower();
+    return "xkl_" + row.domain + "_errchk_" + row.lower();
+}
+
+bool is_valued(const routine &row)
+{
+    return row.frame.kind == "valued";
+}
+
+bool has_checker(const routine &row)
+{
+    return row.frame.kind == "checked" || is_valued(row);
 }
 
 std::string reported_name(const routine &row)
 {
+    if (is_valued(row))
+        return row.lower();
     std::string name = row.name;
     if (name.size() < 6)
         name.resize(6, ' ');
@@ -142,8 +163,18 @@ std::string trace_kinds(const routine &row)
     return kinds;
 }
 
+std::string valued_format(const routine &row, bool by_value)
+{
+    std::string text = row.name + "(";
+    for (const argument &each : row.arguments)
+        text += (text.back() == '(' ? "" : ", ") + valued_conversion(each, row.element, by_value);
+    return text + ")";
+}
+
 std::string trace_format(const routine &row)
 {
+    if (is_valued(row))
+        return valued_format(row, false);
     std::string text = row.name + "(";
     for (const char kind : trace_kinds(row))
         text += (text.back() == '(' ? "" : ",") + trace_conversion(kind);
@@ -152,6 +183,8 @@ std::string trace_format(const routine &row)
 
 int hidden_lengths(const routine &row)
 {
+    if (is_valued(row))
+        return 0;
     return static_cast<int>(std::count_if(row.arguments.begin(), row.arguments.end(), is_character));
 }
 
@@ -163,7 +196,7 @@ name_list exported_names(const routine &row)
     names.push_back(body_symbol(row));
     if (!mixed_body(row).empty())
         names.push_back(mixed_body(row));
-    if (row.frame.kind == "checked")
+    if (has_checker(row))
         names.push_back(checker(row));
     return names;
 }

@@ -83,9 +83,9 @@ class reader {
   private:
     void directive(const words &columns)
     {
-        static const std::set<std::string> known = {"@family", "@spellings", "@arrays"};
+        static const std::set<std::string> known = {"@family", "@domain", "@spellings", "@arrays"};
         if (columns.size() != 2 || !known.contains(columns[0]))
-            fail("a directive is `@family NAME`, `@spellings RULE` or `@arrays written`");
+            fail("a directive is `@family NAME`, `@domain NAME`, `@spellings RULE` or `@arrays written`");
         if (columns[0] == "@spellings" && !spelling_rule_exists(columns[1]))
             fail("there is no spelling rule `" + columns[1] + "` (tablegen/names.cpp has them)");
         settings_[columns[0].substr(1)] = columns[1];
@@ -111,16 +111,16 @@ frame_spec parse_frame(const reader &at, std::string text)
     }
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
-    static const std::set<std::string> known = {"checked", "registered",    "traced", "through",
+    static const std::set<std::string> known = {"checked", "registered",    "traced", "through", "valued",
                                                 "forward", "forward-mixed", "helper", "own"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
-                "`; frames are checked, registered, traced, through, forward, forward-mixed, helper, own");
-    const bool has_rule = frame.kind == "checked" || frame.kind == "helper";
-    if (has_rule != !frame.rule.empty() && frame.kind != "forward")
-        at.fail(
-            "a checked frame names its checks (`checked:gemm`), a helper its template (`helper:tr_trans`), "
-            "and no other frame a rule");
+                "`; frames are checked, registered, traced, through, valued, forward, forward-mixed, "
+                "helper, own");
+    static const std::set<std::string> ruled = {"checked", "valued", "helper"};
+    if (ruled.contains(frame.kind) != !frame.rule.empty() && frame.kind != "forward")
+        at.fail("a checked or valued frame names its checks (`checked:gemm`), a helper its template "
+                "(`helper:tr_trans`), and no other frame has a rule");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
         at.fail("only checked and traced frames have a group form");
     return frame;
@@ -214,6 +214,7 @@ void read_table(const std::string &file, std::vector<routine> &routines)
             for (argument &each : row.arguments)
                 each.written = each.written || is_array(each);
         row.family = family;
+        row.domain = at.has_setting("domain") ? at.setting("domain") : family;
         row.spellings = at.setting("spellings");
         row.about = at.about();
         row.place = at.place();
@@ -225,6 +226,8 @@ void read_table(const std::string &file, std::vector<routine> &routines)
                 if (!kind_fits(each.kind, one.element))
                     at.fail("argument `" + each.name + "`: kind " + each.kind +
                             " needs a routine with a type");
+                else if (row.frame.kind == "valued" && !kind_has_value(each.kind))
+                    at.fail("argument `" + each.name + "`: a valued frame takes no kind " + each.kind);
             routines.push_back(typed);
         }
     }

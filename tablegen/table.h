@@ -23,7 +23,7 @@ struct argument {
 
 /// What follows the name and the types in a row: `checked-group:gemm_batch/bare`.
 struct frame_spec {
-    std::string kind;   // checked, registered, traced, through, forward, own
+    std::string kind;   // checked, registered, traced, through, valued, forward, own
     bool group = false; // group batch: one value a group, and a trailing 0 to checker and core
     std::string rule;   // the checker's rule, or the step that a forwarder takes first
     std::string option; // `bare`: reported without trailing blank; forwarders: the mixed-case name
@@ -39,6 +39,7 @@ struct routine {
     int failed_result = 0; // what a function returns after a failed check
     std::vector<argument> arguments;
     std::string family;    // blas
+    std::string domain;    // of the core's entries and the checkers: the family, unless @domain tells
     std::string spellings; // blas, extension, direct, service...
     std::string about;     // one sentence for the public header
     std::string place;     // file:line of the row

@@ -5,3 +5,4 @@
 #include "frame/registered.h"
 #include "frame/through.h"
 #include "frame/traced.h"
+#include "frame/valued.h"
