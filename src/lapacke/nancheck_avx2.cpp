@@ -24,7 +24,6 @@ struct lanes_256 {
     }
     [[gnu::always_inline]] static bad either(bad a, bad b) { return _mm256_or_ps(a, b); }
     [[gnu::always_inline]] static bool any(bad a) { return _mm256_movemask_ps(a) != 0; }
-    [[gnu::always_inline]] static bool any(bool a) { return a; }
     [[gnu::always_inline]] static bool tail(const R *p, int64_t count)
     {
         if (count >= width)

@@ -8,7 +8,11 @@ namespace xkl::lapacke {
 template <class T>
 int64_t ge_nancheck(int layout, int64_t m, int64_t n, const T *a, int64_t lda)
 {
-    return is_layout(layout) && holds_nan(a, {lda}, dense_lines(layout, m, n, {}, lda));
+    if (!is_layout(layout))
+        return 0;
+    const line_parts parts = dense_lines(layout, m, n, {}, lda);
+    const bool one_run = parts.high == lda; // no gap between the lines
+    return one_run ? parts.count > 0 && holds_nan(a, parts.count * lda) : holds_nan(a, {lda}, parts);
 }
 
 /// Upper Hessenberg: the upper triangle and one diagonal more

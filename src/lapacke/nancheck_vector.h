@@ -5,22 +5,17 @@
 
 namespace xkl::lapacke {
 
-template <class T>
-int64_t whole_nancheck(int64_t n, const T *x)
-{
-    return holds_nan(x, {0}, {1, 0, n, 0, 0, n});
-}
-
 /// Elements that are `step` apart
 template <class T>
 int64_t spread_nancheck(int64_t n, const T *x, uint64_t step)
 {
-    using real = typename element<T>::real;
     constexpr uint64_t reals = element<T>::reals;
-    const auto *parts = reinterpret_cast<const real *>(x);
     bool found = false;
-    for (uint64_t left = x && n > 0 ? static_cast<uint64_t>(n) : 0; left > 0; --left, parts += reals * step)
-        found |= __builtin_isunordered(parts[0], parts[reals - 1]);
+    if (x && n > 0)
+        for (uint64_t i = 0; i < static_cast<uint64_t>(n); ++i) {
+            const auto *parts = reals_of(x) + reals * step * i;
+            found |= __builtin_isunordered(parts[0], parts[reals - 1]) != 0;
+        }
     return found;
 }
 
@@ -29,9 +24,9 @@ template <class T>
 int64_t vector_nancheck(int64_t n, const T *x, int64_t incx)
 {
     if (incx == 0)
-        return whole_nancheck(smaller(n, 1), x);
+        return holds_nan(x, smaller(n, 1));
     if (incx == 1 || incx == -1)
-        return whole_nancheck(n, x);
+        return holds_nan(x, n);
     const auto step = static_cast<uint64_t>(incx);
     return spread_nancheck(n, x, incx < 0 ? 0 - step : step);
 }
@@ -40,20 +35,20 @@ int64_t vector_nancheck(int64_t n, const T *x, int64_t incx)
 template <class T>
 int64_t sp_nancheck(int64_t n, const T *ap)
 {
-    return n > 0 && whole_nancheck(n * (n + 1) / 2, ap);
+    return n > 0 && holds_nan(ap, n * (n + 1) / 2);
 }
 
 template <class T>
 int64_t gt_nancheck(int64_t n, const T *dl, const T *d, const T *du)
 {
-    return whole_nancheck(n - 1, dl) || whole_nancheck(n, d) || whole_nancheck(n - 1, du);
+    return holds_nan(dl, n - 1) || holds_nan(d, n) || holds_nan(du, n - 1);
 }
 
 /// Symmetric and positive definite tridiagonal; the diagonal of the latter is real.
 template <class D, class T>
 int64_t st_nancheck(int64_t n, const D *d, const T *e)
 {
-    return whole_nancheck(n, d) || whole_nancheck(n - 1, e);
+    return holds_nan(d, n) || holds_nan(e, n - 1);
 }
 
 } // namespace xkl::lapacke
