@@ -92,10 +92,7 @@ class parser {
             value = infix("and", value, negation());
         return value;
     }
-    expression negation()
-    {
-        return take("not") ? expression{"not", "", {negation()}} : comparison();
-    }
+    expression negation() { return take("not") ? expression{"not", "", {negation()}} : comparison(); }
     expression comparison()
     {
         const expression value = sum();
@@ -183,9 +180,8 @@ bool is_arithmetic(const std::string &op)
 int rank(const expression &value)
 {
     static const std::map<std::string, int> ranks = {
-        {"?", 0},  {"or", 1}, {"and", 2}, {"==", 3}, {"!=", 3}, {"<", 4},
-        {">", 4},  {"<=", 4}, {">=", 4},  {"+", 5},  {"-", 5},  {"*", 6},
-        {"/", 6},  {"not", 7}, {"first", 7}};
+        {"?", 0},  {"or", 1}, {"and", 2}, {"==", 3}, {"!=", 3}, {"<", 4},   {">", 4},    {"<=", 4},
+        {">=", 4}, {"+", 5},  {"-", 5},   {"*", 6},  {"/", 6},  {"not", 7}, {"first", 7}};
     const auto found = ranks.find(value.op);
     return found == ranks.end() ? 8 : found->second;
 }
@@ -316,7 +312,8 @@ void add_names(const expression &value, std::set<std::string> &names)
 
 value_type_of type_of(const expression &value, const std::set<std::string> &letters)
 {
-    static const std::set<std::string> truths = {"in", "and", "or", "not", "<", ">", "<=", ">=", "==", "!="};
+    static const std::set<std::string> truths = {"in", "and", "or", "not", "<",
+                                                 ">",  "<=",  ">=", "==",  "!="};
     if (value.op == "?")
         return type_of(value.parts[1], letters);
     if (value.op == "letter" || (value.op == "name" && letters.contains(value.text)))

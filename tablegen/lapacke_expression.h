@@ -10,7 +10,7 @@
 namespace tablegen {
 
 struct expression {
-    std::string op; // name, number, letter, in, call, ?, prefix and infix operators
+    std::string op;   // name, number, letter, in, call, ?, prefix and infix operators
     std::string text; // of a leaf; the letters of `in`; the name of a call
     std::vector<expression> parts;
 

@@ -26,11 +26,11 @@ struct scheme_rule {
     int rows, columns;
 };
 const std::map<std::string, scheme_rule> schemes = {
-    {"vec", {2, false, 0, 0}}, {"ge", {2, true, 0, 1}},   {"gg", {2, true, 0, 1}},   {"gb", {4, true, 0, 1}},
-    {"hs", {1, true, 0, 0}},   {"tr", {3, true, 2, 2}},   {"po", {2, true, 1, 1}},   {"sy", {2, true, 1, 1}},
-    {"he", {2, true, 1, 1}},   {"tz", {5, true, 3, 4}},   {"tb", {4, true, 3, 2}},   {"pb", {3, true, 2, 1}},
-    {"sb", {3, true, 2, 1}},   {"hb", {3, true, 2, 1}},   {"tp", {3, false, 0, 2}},  {"pp", {2, false, 0, 1}},
-    {"sp", {2, false, 0, 1}},  {"hp", {2, false, 0, 1}},  {"tf", {4, false, 0, 3}},  {"pf", {3, false, 0, 2}},
+    {"vec", {2, false, 0, 0}}, {"ge", {2, true, 0, 1}},  {"gg", {2, true, 0, 1}},  {"gb", {4, true, 0, 1}},
+    {"hs", {1, true, 0, 0}},   {"tr", {3, true, 2, 2}},  {"po", {2, true, 1, 1}},  {"sy", {2, true, 1, 1}},
+    {"he", {2, true, 1, 1}},   {"tz", {5, true, 3, 4}},  {"tb", {4, true, 3, 2}},  {"pb", {3, true, 2, 1}},
+    {"sb", {3, true, 2, 1}},   {"hb", {3, true, 2, 1}},  {"tp", {3, false, 0, 2}}, {"pp", {2, false, 0, 1}},
+    {"sp", {2, false, 0, 1}},  {"hp", {2, false, 0, 1}}, {"tf", {4, false, 0, 3}}, {"pf", {3, false, 0, 2}},
 };
 
 expression number(int value)
@@ -368,9 +368,10 @@ class builder {
         made.position = position(made_.parameters, made.arg.name);
         if (!made.ld.empty() || made.by_value)
             return;
-        const bool needed = std::any_of(made.nan.begin(), made.nan.end(),
-                                        [](const auto &use) { return use.scheme.has_leading_dimension(); }) ||
-                            (made.scheme && made.scheme->has_leading_dimension());
+        const bool needed =
+            std::any_of(made.nan.begin(), made.nan.end(),
+                        [](const auto &use) { return use.scheme.has_leading_dimension(); }) ||
+            (made.scheme && made.scheme->has_leading_dimension());
         if (!needed)
             return;
         const auto &list = made_.work_parameters;
@@ -386,10 +387,7 @@ class builder {
         }
     }
 
-    bool has_size_query() const
-    {
-        return !made_.transposed && !made_.uncopied && made_.has_layout;
-    }
+    bool has_size_query() const { return !made_.transposed && !made_.uncopied && made_.has_layout; }
 
     /// A size query is any size of -1.
     condition every_size() const
@@ -433,7 +431,8 @@ expression storage::rows() const
     if (name == "gb")
         return infix("+", infix("+", size(2), size(3)), number(1));
     const expression rows = size(schemes.at(name).rows);
-    return name == "tb" || name == "pb" || name == "sb" || name == "hb" ? infix("+", rows, number(1)) : rows;
+    return name == "tb" || name == "pb" || name == "sb" || name == "hb" ? infix("+", rows, number(1))
+                                                                        : rows;
 }
 
 expression storage::columns() const

@@ -40,7 +40,7 @@ struct lapacke_array {
     std::optional<storage> scheme; // of the column-major copy, if there ever is one
     condition when;                // and when there is
     std::vector<helper_use> in, out;
-    std::string ld;     // the argument that is its leading dimension, or what stands in its place; or ""
+    std::string ld; // the argument that is its leading dimension, or what stands in its place; or ""
     bool ld_is_argument;
     condition refused; // row-major: what is wrong with the leading dimension
     int ld_position;
@@ -88,8 +88,8 @@ struct lapacke_routine {
     condition stop;     // after the query
     condition size_query;
     std::vector<handed_over> handed;
-    std::vector<workspace> row_spaces;  // row-major: workspaces of the _work function's own
-    std::vector<std::string> row_call;  // row-major: its arguments
+    std::vector<workspace> row_spaces; // row-major: workspaces of the _work function's own
+    std::vector<std::string> row_call; // row-major: its arguments
     std::vector<c_parameter> parameters, work_parameters; // layout not among them
 
     std::string name() const { return "LAPACKE_" + base->lower(); }

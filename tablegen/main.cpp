@@ -76,6 +76,16 @@ request parse(int argc, char **argv)
     return asked;
 }
 
+/// A LAPACKE routine, by the name of its high-level function.
+void show_lapacke(std::ostream &out, const std::vector<lapacke_routine> &rows, const std::string &name)
+{
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [&](const lapacke_routine &row) { return row.name() == name; });
+    if (found == rows.end())
+        throw table_error("no table has `" + name + "`; write it as LAPACKE_dgetrf");
+    print_lapacke(out, {*found}, false);
+}
+
 void show(std::ostream &out, const routines &rows, const std::string &name)
 {
     const auto found =
@@ -126,7 +136,13 @@ void run(const request &asked, std::ostream &out)
         {"test-rows", [&] { print_test_rows(out, rows); }},
         {"lapacke-test-rows", [&] { print_lapacke_test_rows(out, lapacke); }},
         {"cblas-test-rows", [&] { print_cblas_test_rows(out, shapes); }},
-        {"show", [&] { show(out, rows, asked.option); }},
+        {"show",
+         [&] {
+             if (asked.option.starts_with("LAPACKE_"))
+                 show_lapacke(out, lapacke, asked.option);
+             else
+                 show(out, rows, asked.option);
+         }},
         {"formats",
          [&] {
              for (const routine &row : rows)
@@ -137,9 +153,8 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports",  "version-script", "fortran",           "formats",      "show",
-        "c-header", "cblas-header",   "companion-exports", "helper-header",
-        "lapacke-header"};
+        "exports",  "version-script", "fortran",           "formats",       "show",
+        "c-header", "cblas-header",   "companion-exports", "helper-header", "lapacke-header"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

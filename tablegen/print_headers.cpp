@@ -110,8 +110,7 @@ void print_prologue(std::ostream &out, const std::string &header, const std::str
                     const std::vector<std::string> &includes)
 {
     out << "/* " << header << ": " << text << " */\n#ifndef " << guard_of(header) << "\n#define "
-        << guard_of(header)
-        << "\n\n";
+        << guard_of(header) << "\n\n";
     for (const std::string &each : includes)
         out << "#include \"" << each << "\"\n";
     out << "\n#ifdef __cplusplus\nextern \"C\" {\n#endif\n";

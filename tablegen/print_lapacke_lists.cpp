@@ -10,10 +10,12 @@ namespace {
 
 const char header_text[] =
     "the C interface of LAPACK. Sizes are 64-bit values, matrices lie by rows\n"
-    "   (LAPACK_ROW_MAJOR) or by columns (LAPACK_COL_MAJOR), and the result is info: 0 done, -i argument i\n"
+    "   (LAPACK_ROW_MAJOR) or by columns (LAPACK_COL_MAJOR), and the result is info: 0 done, -i argument "
+    "i\n"
     "   was bad or held a NaN, above 0 as LAPACK tells, LAPACK_WORK_MEMORY_ERROR or\n"
     "   LAPACK_TRANSPOSE_MEMORY_ERROR when there was no memory. LAPACKE_* looks for NaN (see\n"
-    "   LAPACKE_set_nancheck) and obtains the workspaces; LAPACKE_*_work takes them from the caller. The names\n"
+    "   LAPACKE_set_nancheck) and obtains the workspaces; LAPACKE_*_work takes them from the caller. The "
+    "names\n"
     "   ending in _64 are the same functions";
 
 std::string result_type(const lapacke_routine &row)
@@ -43,7 +45,27 @@ void print_lapacke_header(std::ostream &out, const std::vector<lapacke_routine> 
     print_epilogue(out);
 }
 
-void print_lapacke_test_rows(std::ostream &, const std::vector<lapacke_routine> &) {}
+void print_lapacke_test_rows(std::ostream &out, const std::vector<lapacke_routine> &rows)
+{
+    out << "#include \"test_rows.h\"\n\nconst lapacke_row lapacke_rows[] = {\n";
+    const auto yes = [](bool value) { return value ? "true" : "false"; };
+    for (const lapacke_routine &row : rows) {
+        const char element = row.base->element ? row.base->element : '-';
+        out << "    {\"" << row.name() << "\", \"" << row.base->lower() << "\", '" << element << "', \""
+            << result_type(row) << "\", " << yes(row.has_layout) << ", " << yes(row.has_info()) << ", "
+            << yes(row.has_twin);
+        for (const auto *list : {&row.parameters, &row.work_parameters}) {
+            std::string names, types;
+            for (const c_parameter &each : *list) {
+                names += (names.empty() ? "" : ",") + each.name;
+                types += (types.empty() ? "" : ",") + each.type;
+            }
+            out << ",\n     \"" << names << "\", \"" << types << "\"";
+        }
+        out << "},\n";
+    }
+    out << "};\nconst int lapacke_row_count = " << rows.size() << ";\n";
+}
 
 std::set<std::string> lapacke_names(const std::vector<lapacke_routine> &rows)
 {

@@ -30,7 +30,8 @@ struct extent {
     friend constexpr extent operator-(extent a, extent b)
     {
         int64_t difference = 0;
-        return extent(__builtin_sub_overflow(a.value, b.value, &difference) ? limit(a.value < 0) : difference);
+        return extent(__builtin_sub_overflow(a.value, b.value, &difference) ? limit(a.value < 0)
+                                                                            : difference);
     }
     friend constexpr extent operator*(extent a, extent b)
     {
