@@ -179,7 +179,9 @@ class high_level_printer : body_printer {
             line("return finished(name, " + call + ");");
         } else {
             line((row_.queried_before < 0 ? "const lapack_int info = " : "info = ") + call + ";");
+            line("if (info >= 0) {"); // without it the workspaces hold nothing
             print_handed(false);
+            line("}");
             line("return finished(name, info);");
         }
     }
@@ -234,7 +236,8 @@ class high_level_printer : body_printer {
             const std::string space =
                 each.workspace + (each.offset ? " + " + std::to_string(each.offset) : "");
             line("hand_over(" + (before ? space + ", " + each.argument : each.argument + ", " + space) +
-                 ", " + printed(each.count) + ");");
+                     ", " + printed(each.count) + ");",
+                 before ? 1 : 2);
         }
     }
 

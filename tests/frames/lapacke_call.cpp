@@ -26,14 +26,18 @@ char good_letter(const std::string &name, const std::string &routine, int set)
         {"jobz", "VN"},   {"jobu", "AS"},   {"jobvt", "AS"},  {"jobv", "VN"},   {"jobq", "QN"},
         {"jobvl", "VN"},  {"jobvr", "VN"},  {"jobvs", "VN"},  {"jobvsl", "VN"}, {"jobvsr", "VN"},
         {"range", "AI"},  {"compq", "VI"},  {"compz", "VI"},  {"vect", "QP"},   {"fact", "FE"},
-        {"equed", "BY"},  {"job", "BE"},    {"norm", "I1"},   {"howmny", "BS"}, {"storev", "CR"},
-        {"direct", "FB"}, {"type", "GL"},   {"sort", "SN"},   {"sense", "BN"},  {"jobu1", "YN"},
-        {"jobu2", "YN"},  {"jobv1t", "YN"}, {"jobv2t", "YN"}, {"joba", "CG"},   {"initv", "VN"},
-        {"signs", "OD"},  {"eigsrc", "QN"}, {"balanc", "BN"}, {"way", "CR"},    {"cmach", "EB"}};
+        {"job", "BE"},    {"norm", "I1"},   {"howmny", "BS"}, {"storev", "CR"}, {"direct", "FB"},
+        {"type", "GL"},   {"sort", "SN"},   {"sense", "BN"},  {"jobu1", "YN"},  {"jobu2", "YN"},
+        {"jobv1t", "YN"}, {"jobv2t", "YN"}, {"joba", "CG"},   {"initv", "VN"},  {"signs", "OD"},
+        {"eigsrc", "QN"}, {"balanc", "BN"}, {"way", "CR"},    {"cmach", "EB"}};
     const auto at = static_cast<std::size_t>(set);
     const bool pairs = routine.substr(1).starts_with("ggsv") || routine.substr(1) == "tgsja";
     if (name == "jobu" && (pairs || routine.substr(1) == "gejsv"))
         return "UN"[at];
+    if (name == "equed") // both sides of general matrices can be scaled, others have one factor
+        return routine.substr(1).starts_with("g") ? "BY"[at] : 'Y';
+    if (name == "trans" && routine.substr(1).starts_with("un"))
+        return "NC"[at];
     if (name == "vect" && routine.substr(1, 2) != "or" && routine.substr(1, 2) != "un")
         return "VN"[at];
     const auto found = letters.find(name);

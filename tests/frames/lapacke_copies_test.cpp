@@ -201,7 +201,7 @@ TEST_F(lapacke_copies, matrices_are_copied_where_they_are_used)
                                    {"dlaset", "a", 0, 35, 35},
                                    {"zlacp2", "a", 0, 35, 0},
                                    {"zlacp2", "b", 0, 0, 35},
-                                   {"dgbsv", "ab", 0, 20, 20},
+                                   {"dgbsv", "ab", 0, 18, 18},
                                    {"dpbtrf", "ab", 0, 12, 12},
                                    {"xkl_dgetrfnpi", "a", 0, 35, 35},
                                    {"xkl_dtppack", "a", 0, 6, 0},

@@ -358,7 +358,7 @@ TEST_F(lapacke_frames, leading_dimensions_are_bounded_by_columns)
         {"dlarft", "ldv", k, 0},  {"dlarft", "ldv", n, 1},      {"dgebak", "ldv", m, 0},
         {"ztrevc", "ldvl", 4, 1}, {"dsfrk", "lda", k, 0},       {"dsfrk", "lda", n, 1},
         {"dtfsm", "ldb", n, 0},   {"xkl_dtppack", "lda", k, 0}, {"dgesvx", "ldx", nrhs, 0},
-        {"dlacpy", "ldb", n, 0},  {"dlapmr", "ldx", n, 0},      {"dsyevx", "ldz", 3, 1},
+        {"dlacpy", "ldb", n, 0},  {"dlapmr", "ldx", n, 0},      {"dsbevx", "ldz", 3, 1},
     };
     for (const bound &each : bounds) {
         SCOPED_TRACE(std::string(each.routine) + " " + each.leading);
