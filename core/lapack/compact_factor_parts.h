@@ -38,10 +38,10 @@ struct factor_lanes : real_lanes<R, bytes> {
 
     [[gnu::always_inline]] lanes real() const { return this->value; }
     [[gnu::always_inline]] lanes imaginary() const { return lanes{}; }
-    [[gnu::always_inline]] void assign(lanes re, lanes) { this->value = re; }
+    [[gnu::always_inline]] void assign(const lanes &re, const lanes &) { this->value = re; }
     [[gnu::always_inline]] lanes square() const { return this->value * this->value; }
     [[gnu::always_inline]] lanes largest_part() const { return magnitude(this->value); }
-    [[gnu::always_inline]] void stretch(lanes by) { this->value *= by; }
+    [[gnu::always_inline]] void stretch(const lanes &by) { this->value *= by; }
     [[gnu::always_inline]] void become_divisor() { this->value = 1 / this->value; }
     [[gnu::always_inline]] void divide_by(const factor_lanes &reciprocal)
     {
@@ -57,7 +57,7 @@ struct complex_factor_lanes : complex_lanes<R, bytes> {
 
     [[gnu::always_inline]] lanes real() const { return this->re; }
     [[gnu::always_inline]] lanes imaginary() const { return this->im; }
-    [[gnu::always_inline]] void assign(lanes real, lanes imaginary)
+    [[gnu::always_inline]] void assign(const lanes &real, const lanes &imaginary)
     {
         this->re = real;
         this->im = imaginary;
@@ -68,7 +68,7 @@ struct complex_factor_lanes : complex_lanes<R, bytes> {
         const lanes x = magnitude(this->re), y = magnitude(this->im);
         return x > y ? x : y;
     }
-    [[gnu::always_inline]] void stretch(lanes by)
+    [[gnu::always_inline]] void stretch(const lanes &by)
     {
         this->re *= by;
         this->im *= by;
