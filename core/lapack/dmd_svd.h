@@ -45,7 +45,8 @@ struct dmd_svd {
   private:
     int64_t run(real_of<T> *sigma, const workspaces<T> &space, int64_t &rank) const;
     workspace_sizes asked() const;
-    int64_t preconditioner_reals() const { return element<T>::is_complex ? 0 : std::max<int64_t>(2, m); }
+    /// Taken from the workspace of real types. A matrix of one row needs two, which callers don't know of.
+    int64_t preconditioner_reals() const { return element<T>::is_complex || m == 1 ? 0 : m; }
 };
 
 /// Calls the routine of the method. With sizes of -1 it only tells what workspace it wants.
@@ -89,12 +90,14 @@ template <class T>
 int64_t dmd_svd<T>::compute(real_of<T> *sigma, const workspaces<T> &space, int64_t &rank) const
 {
     workspaces<T> own = space;
+    real_of<T> for_one_row[2];
     if constexpr (!element<T>::is_complex)
         if (method == preconditioned_svd) {
-            own.reals = space.work;
-            own.real_size = preconditioner_reals();
-            own.work += own.real_size;
-            own.size -= own.real_size;
+            const int64_t taken = preconditioner_reals();
+            own.reals = taken > 0 ? space.work : for_one_row;
+            own.real_size = std::max<int64_t>(taken, 2);
+            own.work += taken;
+            own.size -= taken;
         }
     const int64_t info = run(sigma, own, rank);
     if (info == 0 && (method == preconditioned_svd || method == jacobi_svd))
