@@ -32,6 +32,7 @@ const std::map<std::string, name_list (*)(const std::string &, const std::string
      [](const std::string &u, const std::string &l) {
          return name_list{l, l + "_", u};
      }},
+    {"single", [](const std::string &, const std::string &l) { return name_list{l}; }},
     {"internal", [](const std::string &u, const std::string &) { return name_list{u}; }},
 };
 
@@ -96,9 +97,11 @@ name_list other_spellings(const routine &row)
 
 std::string core_entry(const routine &row)
 {
-    if (row.family != "service")
-        return "xkl_" + row.family + "_" + row.lower();
     std::string stem = row.lower();
+    if (row.spellings == "lapack" && stem.starts_with("xkl_"))
+        stem.erase(0, 4);
+    if (row.family != "service")
+        return "xkl_" + row.entries + "_" + stem;
     for (const std::string prefix : {"xkl_serv_iface_", "xkl_"})
         if (stem.starts_with(prefix)) {
             stem.erase(0, prefix.size());
@@ -109,7 +112,7 @@ std::string core_entry(const routine &row)
 
 std::string checker(const routine &row)
 {
-    return "xkl_" + row.family + "_errchk_" + row.lower();
+    return "xkl_" + row.entries + "_errchk_" + row.lower();
 }
 
 std::string reported_name(const routine &row)
@@ -134,7 +137,7 @@ std::string trace_kinds(const routine &row)
 {
     std::string kinds;
     for (const argument &each : all_arguments(row))
-        kinds += trace_kind(each, row.frame.group);
+        kinds += row.frame.option == "addresses" ? 'p' : trace_kind(each, row.frame.group);
     return kinds;
 }
 
@@ -159,7 +162,7 @@ name_list exported_names(const routine &row)
     names.push_back(body_symbol(row));
     if (!mixed_body(row).empty())
         names.push_back(mixed_body(row));
-    if (row.frame.kind == "checked")
+    if (row.has_checker())
         names.push_back(checker(row));
     return names;
 }

@@ -74,7 +74,7 @@ void print_core_forwards(std::ostream &out, const routines &rows, const std::vec
 {
     out << "#include \"core_" << rows.front().family << ".h\"\n#include \"openblas/forward.h\"\n"
         << "#include \"service/missing_entry.h\"\n";
-    for (const routine &row : rows) {
+    for (const routine &row : with_entries(rows)) {
         const provider *by = provider_of(row, providers);
         if (by && by->by == "own")
             continue;

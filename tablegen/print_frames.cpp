@@ -44,11 +44,11 @@ void print_row(std::ostream &out, const routine &row)
         << "    static constexpr auto &core = " << core_entry(row) << ";\n"
         << "    static constexpr int hidden_lengths = " << hidden_lengths(row) << ";\n"
         << "    static constexpr bool group = " << (row.frame.group ? "true" : "false") << ";\n";
-    if (row.frame.kind != "through")
+    if (row.has_trace())
         out << "    static constexpr char format[] = " << quoted(trace_format(row)) << ";\n"
             << "    static constexpr char kinds[] = " << quoted(trace_kinds(row)) << ";\n"
             << "    static inline constinit xkl::verbose_flag flag{};\n";
-    if (row.frame.kind == "checked") {
+    if (row.has_checker()) {
         const bool sets_info = !row.arguments.empty() && row.arguments.back().kind == "info";
         out << "    static constexpr bool sets_info = " << (sets_info ? "true" : "false") << ";\n"
             << "    static constexpr char reported_name[] = " << quoted(reported_name(row)) << ";\n"
@@ -120,11 +120,13 @@ void print_frames(std::ostream &out, const routines &rows, const std::string &ch
     out << "#include \"" << checks_header << "\"\n#include \"frame/frames.h\"\n#include \""
         << rows.front().family << "_frames.h\"\n";
     for (const routine &row : rows) {
+        if (row.frame.kind == "own")
+            continue;
         out << "\n// " << row.name << ": " << row.place << ", frame `" << row.frame.kind << "` (src/frame/"
             << row.frame.kind << ".h)\nnamespace {\n";
         print_row(out, row);
         out << "}\n";
-        if (row.frame.kind == "checked")
+        if (row.has_checker())
             print_checker(out, row);
         out << "extern \"C\" " << c_result(row) << " " << body_symbol(row) << "(" << parameter_list(row)
             << ")\n{\n"
@@ -143,7 +145,7 @@ void print_frame_header(std::ostream &out, const routines &rows)
     for (const routine &row : rows) {
         if (body_symbol(row) != public_spellings(row).front())
             out << "decltype(" << row.lower() << ") " << body_symbol(row) << ";\n";
-        if (row.frame.kind == "checked")
+        if (row.has_checker())
             out << "int64_t " << checker(row) << "(" << core_parameter_list(row) << ");\n";
     }
     out << "}\n";

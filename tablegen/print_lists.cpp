@@ -46,11 +46,11 @@ void print_test_rows(std::ostream &out, const routines &rows)
             kinds += (kinds.empty() ? "" : " ") + each.kind;
         }
         out << "    {\"" << row.name << "\", \"" << body_symbol(row) << "\", \"" << core_entry(row)
-            << "\",\n     \"" << (row.frame.kind == "checked" ? checker(row) : "") << "\", \""
-            << row.frame.kind << "\", " << (row.frame.group ? "true" : "false") << ", \"" << row.result
-            << "\", " << row.failed_result << ",\n     \"" << reported_name(row) << "\", \""
-            << trace_format(row) << "\", \"" << trace_kinds(row) << "\",\n     \"" << names << "\", \""
-            << kinds << "\",\n     \"";
+            << "\",\n     \"" << (row.has_checker() ? checker(row) : "") << "\", \"" << row.frame.kind
+            << "\", " << (row.frame.group ? "true" : "false") << ", \"" << row.result << "\", "
+            << row.failed_result << ",\n     \"" << reported_name(row) << "\", \"" << trace_format(row)
+            << "\", \"" << trace_kinds(row) << "\",\n     \"" << names << "\", \"" << kinds
+            << "\",\n     \"";
         for (const std::string &name : other_spellings(row))
             out << (name == other_spellings(row).front() ? "" : " ") << name;
         out << "\", \"" << mixed_body(row) << "\"},\n";

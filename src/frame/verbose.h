@@ -62,21 +62,22 @@ const void *as_address(T *argument)
         return argument;
 }
 
-/// An argument as the trace line prints it: a character, an integer (0 for a null address), or an address.
-template <char Kind>
-auto printed(const void *address)
+/// An argument as the trace line prints it: a character, an integer (0 for a null address; 'v': passed by
+/// value), or an address.
+template <char Kind, class T>
+auto printed(T argument)
 {
     if constexpr (Kind == 'c')
-        return static_cast<int>(*static_cast<const char *>(address));
-    else if constexpr (Kind == 'i')
-        return static_cast<long long>(address ? *static_cast<const int64_t *>(address) : 0);
-    else if constexpr (Kind == 'e')
-        return static_cast<long long>(address ? *static_cast<const int32_t *>(address) : 0);
+        return static_cast<int>(*argument);
+    else if constexpr (Kind == 'i' || Kind == 'e')
+        return static_cast<long long>(argument ? *argument : 0);
+    else if constexpr (Kind == 'v')
+        return static_cast<long long>(argument);
     else
-        return address;
+        return as_address(argument);
 }
 
-/// Formats and prints the line of a routine whose arguments are all addresses.
+/// Formats and prints the line of a routine.
 template <class Row, class... A>
 void print_trace_line(const stopwatch &watch, A... arguments)
 {
@@ -85,8 +86,7 @@ void print_trace_line(const stopwatch &watch, A... arguments)
     char line[size];
     [&]<std::size_t... I>(std::index_sequence<I...>)
     {
-        xkl_serv_snprintf_s(line, size, size - 1, Row::format,
-                            printed<Row::kinds[I]>(as_address(arguments))...);
+        xkl_serv_snprintf_s(line, size, size - 1, Row::format, printed<Row::kinds[I]>(arguments)...);
     }
     (std::index_sequence_for<A...>{});
     line[size - 1] = 0;

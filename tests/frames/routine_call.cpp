@@ -82,7 +82,8 @@ arguments_of::arguments_of(const routine_row &row) : names(split(row.names)), ki
 {
     for (std::size_t i = 0; i < names.size(); ++i) {
         storage_.push_back(std::vector<int64_t>(4, good_value(names[i], kinds[i])));
-        addresses_.push_back(reinterpret_cast<int64_t>(storage_.back().data()));
+        addresses_.push_back(by_value(i) ? storage_.back().front()
+                                         : reinterpret_cast<int64_t>(storage_.back().data()));
     }
 }
 
@@ -98,7 +99,7 @@ int64_t arguments_of::spoil()
             set_integer(i, -1);
             return static_cast<int64_t>(i) + 1;
         }
-    if (names[0] == "n") {
+    if (names[0] == "n" && kinds[0] == "i") {
         set_integer(0, -1);
         return 1;
     }

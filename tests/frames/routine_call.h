@@ -26,6 +26,8 @@ class arguments_of {
     explicit arguments_of(const routine_row &row);
 
     const std::vector<int64_t> &addresses() const { return addresses_; }
+    /// Whether the argument itself, and no address of it, goes to the routine.
+    bool by_value(std::size_t i) const { return kinds[i].starts_with("="); }
     void *at(std::size_t i) const { return reinterpret_cast<void *>(addresses_[i]); }
     int64_t integer(std::size_t i) const { return *static_cast<const int64_t *>(at(i)); }
     void set_integer(std::size_t i, int64_t value) { *static_cast<int64_t *>(at(i)) = value; }
