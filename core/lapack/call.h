@@ -14,9 +14,10 @@
 
 namespace xkl::core {
 
-/// What an entry takes for an argument: an address as it is, a value by its address.
+/// What an entry takes for an argument: an address as it is, a value by the address of a copy, for some
+/// routines write over their sizes.
 template <class Parameter, class A>
-Parameter by_address(const A &argument)
+Parameter by_address(A &argument)
 {
     if constexpr (std::is_convertible_v<A, Parameter>)
         return argument;
@@ -26,7 +27,7 @@ Parameter by_address(const A &argument)
 
 template <class Result, class... Parameters, class... A, size_t... I, size_t... Length>
 Result call_in_order(std::index_sequence<I...>, std::index_sequence<Length...>,
-                     Result (*entry)(Parameters...), const A &...arguments)
+                     Result (*entry)(Parameters...), A... arguments)
 {
     constexpr int64_t one_letter = 1;
     using types = std::tuple<Parameters...>;
@@ -35,7 +36,7 @@ Result call_in_order(std::index_sequence<I...>, std::index_sequence<Length...>,
 }
 
 template <class Result, class... Parameters, class... A>
-Result call(Result (*entry)(Parameters...), const A &...arguments)
+Result call(Result (*entry)(Parameters...), A... arguments)
 {
     constexpr size_t given = sizeof...(A), hidden = sizeof...(Parameters) - given;
     return call_in_order(std::make_index_sequence<given>(), std::make_index_sequence<hidden>(), entry,
