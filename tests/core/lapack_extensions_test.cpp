@@ -2,7 +2,7 @@
 // precision, what must be left alone, zero pivots, and reports of bad arguments.
 #include "blas_reference.h"
 
-#include "xkl.h"
+#include "lapack_reports.h"
 
 #include <functional>
 
@@ -363,23 +363,20 @@ TEST(extensions, callers_with_32_bit_integers)
     EXPECT_EQ(solved.info | factored.info | again.info, 0);
 }
 
-// Written by the handler in the test below.
-std::string refused_name;
-int64_t refused_position;
+template <class T>
+struct extension_reports : lapack_tests::reports {
+};
+TYPED_TEST_SUITE(extension_reports, all_types);
 
-TYPED_TEST(extensions, bad_arguments_reach_the_handler)
+TYPED_TEST(extension_reports, bad_arguments)
 {
     using T = TypeParam;
-    const auto previous = xkl_set_xerbla([](const char *name, const int64_t *position, int64_t length) {
-        refused_name.assign(name, static_cast<size_t>(length));
-        refused_position = *position;
-    });
     int64_t info = 0;
     T a[9] = {};
     const auto expect_refusal = [&](std::string name, int64_t position) {
         name.replace(name.find('?'), 1, pick<T>("S", "D", "C", "Z"));
-        EXPECT_EQ(refused_name, name);
-        EXPECT_EQ(refused_position, position) << name;
+        EXPECT_EQ(this->name, name);
+        EXPECT_EQ(this->position, position) << name;
         EXPECT_EQ(info, -position) << name;
     };
     using list = std::vector<int64_t>; // n's, and the like, in order
@@ -436,7 +433,6 @@ TYPED_TEST(extensions, bad_arguments_reach_the_handler)
     expect_refusal("XKL_?SPFFRT2", 3);
     xkl_spffrtx<T>(a, &one, &two, a, a);
     expect_refusal("XKL_?SPFFRTX", 3);
-    xkl_set_xerbla(previous);
 }
 
 } // namespace
