@@ -1,8 +1,9 @@
-// The search itself, for any width of registers. It is compiled once for each instruction set, under internal names: a
-// linker that merged equal names would mix instruction sets.
+// The search itself, for any width of registers. It is compiled once for each instruction set, under internal
+// names: a linker that merged equal names would mix instruction sets.
 //
-// `Lanes` offers, for one type: width; unordered(p, q), whether elements of the registers loaded from p and q are NaNs;
-// either and any of such; and tail(p, count), any for fewer than two registers full, which reads nothing behind them.
+// `Lanes` offers, for one type: width; unordered(p, q), whether elements of the registers loaded from p and q
+// are NaNs; either and any of such; and tail(p, count), any for fewer than two registers full, which reads
+// nothing behind them.
 #pragma once
 
 #include "lapacke/nancheck_scan.h"
@@ -10,13 +11,14 @@
 namespace xkl::lapacke {
 namespace {
 
-/// Reals of a line from which on four are walked side by side. One stream of reads stops at every page and at every line's
-/// end until the processor guesses the next one; four keep the memory busy.
+/// Reals of a line from which on four are walked side by side. One stream of reads stops at every page and at
+/// every line's end until the processor guesses the next one; four keep the memory busy.
 constexpr int64_t long_line = 512;
 /// The same for one run of reals, which is in no cache any more.
 constexpr int64_t long_run = int64_t{1} << 20;
 
-/// Reals before the first at which a register is loaded best: loads that cross cache lines take twice as long.
+/// Reals before the first at which a register is loaded best: loads that cross cache lines take twice as
+/// long.
 template <class Lanes, class R>
 [[gnu::always_inline]] inline int64_t until_aligned(const R *p)
 {
@@ -44,7 +46,8 @@ template <class Lanes, class R>
         if (Lanes::any(Lanes::either(near, far)))
             return true;
     }
-    // The last two registers end with the line and overlap those before: looking twice costs less than a loop.
+    // The last two registers end with the line and overlap those before: looking twice costs less than a
+    // loop.
     auto bad = Lanes::unordered(p + count - 2 * w, p + count - w);
     for (; i + 2 * w < count; i += 2 * w)
         bad = Lanes::either(bad, Lanes::unordered(p + i, p + i + w));
