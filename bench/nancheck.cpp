@@ -1,5 +1,6 @@
-// LAPACKE's NaN checks beside a plain sum of as many doubles that lie side by side, as a compiler vectorises it: how fast
-// one thread can read. One run of a size takes both in turn, so that a noisy machine disturbs both alike.
+// LAPACKE's NaN checks beside a plain sum of as many doubles that lie side by side, as a compiler vectorises
+// it: how fast one thread can read. One run of a size takes both in turn, so that a noisy machine disturbs
+// both alike.
 #include "xkl_lapacke_helpers.h"
 
 #include <algorithm>

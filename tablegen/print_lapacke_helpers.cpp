@@ -1,5 +1,5 @@
-// LAPACKE's helpers: NaN checks and layout copies. Each name is a body of its own, which calls the template of
-// its row; the template finds the type in the arrays.
+// LAPACKE's helpers: NaN checks and layout copies. Each name is a body of its own, which calls the template
+// of its row; the template finds the type in the arrays.
 #include "kinds.h"
 #include "names.h"
 #include "printers.h"

@@ -118,11 +118,11 @@ frame_spec parse_frame(const reader &at, std::string text)
         at.fail("unknown frame `" + text +
                 "`; frames are checked, guarded, registered, traced, through, valued, forward, "
                 "forward-mixed, helper, own");
-    const bool has_rule = frame.kind == "checked" || frame.kind == "guarded" || frame.kind == "valued" ||
-                          frame.kind == "helper";
-    if (has_rule != !frame.rule.empty() && frame.kind != "forward")
-        at.fail("a checked, guarded or valued frame names its checks (`checked:gemm`), a helper its template "
-                "(`helper:tr_trans`), and no other frame a rule");
+    static const std::set<std::string> ruled = {"checked", "guarded", "valued", "helper"};
+    if (ruled.contains(frame.kind) != !frame.rule.empty() && frame.kind != "forward")
+        at.fail(
+            "a checked, guarded or valued frame names its checks (`checked:gemm`), a helper its template "
+            "(`helper:tr_trans`), and no other frame has a rule");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
         at.fail("only checked and traced frames have a group form");
     return frame;

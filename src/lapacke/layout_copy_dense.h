@@ -1,4 +1,5 @@
-// Layout copies of dense matrices. Rectangles, and most of a large triangle, go through the library's own matrix copy.
+// Layout copies of dense matrices. Rectangles, and most of a large triangle, go through the library's own
+// matrix copy.
 #pragma once
 
 #include "lapacke/layout_copy_lines.h"
@@ -45,7 +46,8 @@ void ge_trans(int layout, int64_t m, int64_t n, const T *in, int64_t ldin, T *ou
 /// From this size on a triangle is halved, so that most of it is a rectangle.
 inline constexpr int64_t halved_triangle = 65;
 
-/// A triangle whose line k holds the first k + 1 elements, or (`lower` of column-major) the elements from k on.
+/// A triangle whose line k holds the first k + 1 elements, or (`lower` of column-major) the elements from k
+/// on.
 template <class T>
 void copy_triangle(bool lower, int64_t n, const T *in, int64_t ldin, T *out, int64_t ldout)
 {

@@ -5,8 +5,29 @@
 
 namespace xkl::lapacke {
 
-/// Lines that are copied together, so that each visit to a place of the destination fills neighbours.
-inline constexpr int64_t lines_at_once = 16;
+/// Large matrices are copied so many lines at a time, position by position: each visit to a place of the
+/// destination then fills neighbours. Small ones stay in the cache anyway.
+inline constexpr int64_t lines_at_once = 16, few_lines = 64;
+
+/// Walks the starts of lines from line `first` on; each step is an addition.
+template <class T>
+class line_cursor {
+  public:
+    line_cursor(T *array, const line_starts &starts, int64_t first)
+        : line_(array + starts[first]), step_(starts.step + starts.growth * first), growth_(starts.growth)
+    {
+    }
+    T *line() const { return line_; }
+    void advance()
+    {
+        line_ += step_;
+        step_ += growth_;
+    }
+
+  private:
+    T *line_;
+    int64_t step_, growth_;
+};
 
 /// A copy of stored lines
 template <class T>
@@ -19,17 +40,21 @@ struct line_copy {
 
     void run() const
     {
-        for (int64_t k = 0; k < parts.count; k += lines_at_once)
-            copy_lines(k, smaller(k + lines_at_once, parts.count));
+        if (parts.count <= few_lines)
+            for (int64_t k = 0; k < parts.count; ++k)
+                copy_line(k, parts.first_of(k), parts.last_of(k));
+        else
+            for (int64_t k = 0; k < parts.count; k += lines_at_once)
+                copy_lines(k, smaller(k + lines_at_once, parts.count));
     }
 
   private:
-    void copy_element(int64_t k, int64_t p) const { out[out_starts[p] + k] = in[in_starts[k] + p]; }
-
-    void copy_ends(int64_t k, int64_t from, int64_t to) const
+    void copy_line(int64_t k, int64_t from, int64_t to) const
     {
-        for (int64_t p = from; p < to; ++p)
-            copy_element(k, p);
+        const T *line = in + in_starts[k];
+        line_cursor<T> target(out, out_starts, from);
+        for (int64_t p = from; p < to; ++p, target.advance())
+            target.line()[k] = line[p];
     }
 
     /// The positions that all of the lines hold go side by side, the others line by line.
@@ -40,12 +65,16 @@ struct line_copy {
         if (from > to)
             from = to = parts.low;
         for (int64_t k = begin; k < end; ++k) {
-            copy_ends(k, parts.first_of(k), smaller(from, parts.last_of(k)));
-            copy_ends(k, larger(to, parts.first_of(k)), parts.last_of(k));
+            copy_line(k, parts.first_of(k), smaller(from, parts.last_of(k)));
+            copy_line(k, larger(to, parts.first_of(k)), parts.last_of(k));
         }
-        for (int64_t p = from; p < to; ++p)
-            for (int64_t k = begin; k < end; ++k)
-                copy_element(k, p);
+        line_cursor<T> target(out, out_starts, from);
+        for (int64_t p = from; p < to; ++p, target.advance()) {
+            line_cursor<const T> source(in, in_starts, begin);
+            T *place = target.line();
+            for (int64_t k = begin; k < end; ++k, source.advance())
+                place[k] = source.line()[p];
+        }
     }
 };
 

@@ -68,7 +68,7 @@ void tf_trans(int layout, char transr, char uplo, char diag, int64_t n, const T 
 {
     if (!is_layout(layout) || !is_transr(transr) || !is_uplo(uplo) || !is_diag(diag) || n < 1)
         return;
-    packed_rectangle r = rectangle_of(layout, 'N', uplo, n);
+    const packed_rectangle r = rectangle_of(layout, 'N', uplo, n);
     const bool flat = !is(transr, 'N');
     const int64_t rows = flat ? r.columns : r.rows, columns = flat ? r.rows : r.columns;
     const bool by_columns = layout == CblasColMajor;

@@ -1,4 +1,5 @@
-// NaN checks with 256-bit registers. The shared header comes first: what it defines is compiled for every processor.
+// NaN checks with 256-bit registers. The shared header comes first: what it defines is compiled for every
+// processor.
 #include "lapacke/nancheck_scan.h"
 
 #include <immintrin.h>

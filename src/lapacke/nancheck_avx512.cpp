@@ -1,4 +1,5 @@
-// NaN checks with 512-bit registers. The shared header comes first: what it defines is compiled for every processor.
+// NaN checks with 512-bit registers. The shared header comes first: what it defines is compiled for every
+// processor.
 #include "lapacke/nancheck_scan.h"
 
 #include <immintrin.h>
@@ -9,8 +10,8 @@
 namespace xkl::lapacke {
 namespace {
 
-/// Comparisons give masks, which stay in mask registers: the way to a general register and back takes longer than
-/// a load.
+/// Comparisons give masks, which stay in mask registers: the way to a general register and back takes longer
+/// than a load.
 template <class R>
 struct lanes_512;
 

@@ -1,8 +1,9 @@
-// The search itself, for any width of registers. It is compiled once for each instruction set, under internal names: a
-// linker that merged equal names would mix instruction sets.
+// The search itself, for any width of registers. It is compiled once for each instruction set, under internal
+// names: a linker that merged equal names would mix instruction sets.
 //
-// `Lanes` offers, for one type: width; unordered(p, q), whether elements of the registers loaded from p and q are NaNs;
-// either and any of such; and tail(p, count), any for fewer than two registers full, which reads nothing behind them.
+// `Lanes` offers, for one type: width; unordered(p, q), whether elements of the registers loaded from p and q
+// are NaNs; either and any of such; and tail(p, count), any for fewer than two registers full, which reads
+// nothing behind them.
 #pragma once
 
 #include "lapacke/nancheck_scan.h"
@@ -10,11 +11,20 @@
 namespace xkl::lapacke {
 namespace {
 
-/// Reals of a line from which on four are walked side by side. One stream of reads stops at every page and at every line's
-/// end until the processor guesses the next one; four keep the memory busy.
+/// Reals of a line from which on four are walked side by side. One stream of reads stops at every page and at
+/// every line's end until the processor guesses the next one; four keep the memory busy.
 constexpr int64_t long_line = 512;
 /// The same for one run of reals, which is in no cache any more.
 constexpr int64_t long_run = int64_t{1} << 20;
+
+/// Reals before the first at which a register is loaded best: loads that cross cache lines take twice as
+/// long.
+template <class Lanes, class R>
+[[gnu::always_inline]] inline int64_t until_aligned(const R *p)
+{
+    constexpr auto bytes = Lanes::width * sizeof(R);
+    return static_cast<int64_t>((bytes - reinterpret_cast<uintptr_t>(p) % bytes) % bytes / sizeof(R));
+}
 
 template <class Lanes, class R>
 [[gnu::always_inline]] inline bool line_holds_nan(const R *p, int64_t count)
@@ -23,6 +33,11 @@ template <class Lanes, class R>
     if (count < 2 * w)
         return Lanes::tail(p, count);
     int64_t i = 0;
+    if (count >= 16 * w) {
+        if (Lanes::any(Lanes::unordered(p, p)))
+            return true;
+        i = until_aligned<Lanes>(p);
+    }
     for (; i + 8 * w <= count; i += 8 * w) {
         const auto near = Lanes::either(Lanes::unordered(p + i, p + i + w),
                                         Lanes::unordered(p + i + 2 * w, p + i + 3 * w));
@@ -31,14 +46,15 @@ template <class Lanes, class R>
         if (Lanes::any(Lanes::either(near, far)))
             return true;
     }
-    // The last two registers end with the line and overlap those before: looking twice costs less than a loop.
+    // The last two registers end with the line and overlap those before: looking twice costs less than a
+    // loop.
     auto bad = Lanes::unordered(p + count - 2 * w, p + count - w);
     for (; i + 2 * w < count; i += 2 * w)
         bad = Lanes::either(bad, Lanes::unordered(p + i, p + i + w));
     return Lanes::any(bad);
 }
 
-/// Four lines, side by side; count is at least long_line.
+/// Four lines, side by side; count is at least two registers full.
 template <class Lanes, class R>
 [[gnu::always_inline]] inline bool four_lines_hold_nan(const R *const (&p)[4], int64_t count)
 {
@@ -95,13 +111,14 @@ bool search_long_lines(const R *a, const line_starts &starts, const line_parts &
 {
     for (int64_t k = 0; k < parts.count; ++k) {
         const int64_t last = smaller(k + 3, parts.count - 1);
-        const int64_t from = larger(parts.first_of(k), parts.first_of(last));
+        const int64_t start = starts[k], held = larger(parts.first_of(k), parts.first_of(last));
+        const int64_t from = held + until_aligned<Lanes>(a + start + held);
         const int64_t to = smaller(parts.last_of(k), parts.last_of(last));
         if (last == k + 3 && to - from >= long_line) {
             if (search_four<Lanes>(a, starts, parts, k, from, to))
                 return true;
             k = last;
-        } else if (part_holds_nan<Lanes>(a + starts[k], parts.first_of(k), parts.last_of(k))) {
+        } else if (part_holds_nan<Lanes>(a + start, parts.first_of(k), parts.last_of(k))) {
             return true;
         }
     }
@@ -128,6 +145,7 @@ bool search_lines(const R *a, const line_starts &starts, const line_parts &given
     }
     return false;
 }
+
 template <template <class> class Lanes, class R>
 constexpr nan_kernel<R> kernel_with = {search_run<Lanes<R>, R>, search_lines<Lanes<R>, R>};
 

@@ -4,8 +4,8 @@
 namespace xkl::lapacke {
 namespace {
 
-/// What the compiler's run time found out when the library was loaded. The kernels use byte masks (DQ) and variable
-/// shifts (BMI2) besides.
+/// What the compiler's run time found out when the library was loaded. The kernels use byte masks (DQ) and
+/// variable shifts (BMI2) besides.
 const nan_kernels &kernels()
 {
     if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&

@@ -1,6 +1,6 @@
-// The search for a NaN. A comparison that is true for unordered operands takes two elements at a time and needs no
-// second look, as a sum would: that is NaN for infinities too, raises flags or traps for data that is good, and is
-// slow on denormals. Kernels for wide registers are chosen by what the processor has.
+// The search for a NaN. A comparison that is true for unordered operands takes two elements at a time and
+// needs no second look, as a sum would: that is NaN for infinities too, raises flags or traps for data that
+// is good, and is slow on denormals. Kernels for wide registers are chosen by what the processor has.
 #pragma once
 
 #include "lapacke/stored_lines.h"

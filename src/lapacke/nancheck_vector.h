@@ -1,4 +1,5 @@
-// NaN checks of arrays that are alike in both layouts: vectors, packed matrices as a whole, and tridiagonal ones.
+// NaN checks of arrays that are alike in both layouts: vectors, packed matrices as a whole, and tridiagonal
+// ones.
 #pragma once
 
 #include "lapacke/nancheck_scan.h"

@@ -1,5 +1,5 @@
-// Layouts and letters as the helpers take them: by value. They are read inline; a bad one is no error here, it only
-// leaves the helper nothing to do, because the routine behind it reports bad arguments itself.
+// Layouts and letters as the helpers take them: by value. They are read inline; a bad one is no error here,
+// it only leaves the helper nothing to do, because the routine behind it reports bad arguments itself.
 #pragma once
 
 #include "frame/letters.h"

@@ -1,8 +1,9 @@
 // How stored elements lie in memory, the same for every storage scheme: in lines, of which a part is stored.
 //
-// A line is a column if the layout is column-major and a row if it is row-major; of a band array too, whose rows are
-// diagonals. Checks and copies walk lines and know nothing of schemes. Where a leading dimension is too small for its
-// matrix, lines end with it: the driver has not tested it yet, and what lies behind belongs to the next line or to nobody.
+// A line is a column if the layout is column-major and a row if it is row-major; of a band array too, whose
+// rows are diagonals. Checks and copies walk lines and know nothing of schemes. Where a leading dimension is
+// too small for its matrix, lines end with it: the driver has not tested it yet, and what lies behind belongs
+// to the next line or to nobody.
 #pragma once
 
 #include "lapacke/options.h"
@@ -107,8 +108,8 @@ inline line_parts band_lines(int layout, int64_t m, int64_t n, band_rows band, i
 }
 
 /// The rectangle of a rectangular full packed triangle as transr N has it, by columns in column-major layout.
-/// Transposed, or in the other layout, the same elements lie by rows. Element (i,j) of it is on the triangle's
-/// diagonal where i - j is `diagonal` or one more: two triangles meet there.
+/// Transposed, or in the other layout, the same elements lie by rows. Element (i,j) of it is on the
+/// triangle's diagonal where i - j is `diagonal` or one more: two triangles meet there.
 struct packed_rectangle {
     int layout;
     int64_t rows, columns, diagonal;

@@ -1,5 +1,5 @@
-// An array between two pages that can't be touched, so that a read or write outside of it ends the test. Its elements touch
-// one of these pages: by turns the one before and the one behind.
+// An array between two pages that can't be touched, so that a read or write outside of it ends the test. Its
+// elements touch one of these pages: by turns the one before and the one behind.
 #pragma once
 
 #include <sys/mman.h>

@@ -87,5 +87,6 @@ class helper {
     std::vector<void *> addresses_;
 };
 
-/// Every matrix that a helper is tried with: both layouts, all its letters, leading dimensions with and without a gap.
+/// Every matrix that a helper is tried with: both layouts, all its letters, leading dimensions with and
+/// without a gap.
 std::vector<stored_matrix> matrices_for(const routine_row &row);

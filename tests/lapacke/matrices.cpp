@@ -6,8 +6,8 @@ struct shape {
     int64_t m, n, kl, ku;
 };
 
-/// Around the widths of registers and the sizes from which helpers go another way; more rows, more columns, and bands
-/// wider than the matrix.
+/// Around the widths of registers and the sizes from which helpers go another way; more rows, more columns,
+/// and bands wider than the matrix.
 std::vector<shape> shapes_for(const routine_row &row, const std::string &scheme)
 {
     std::vector<shape> shapes;
@@ -29,7 +29,8 @@ std::vector<shape> shapes_for(const routine_row &row, const std::string &scheme)
     return shapes;
 }
 
-/// One matrix for each value that an argument can have, or the matrices as they are if there is no such argument
+/// One matrix for each value that an argument can have, or the matrices as they are if there is no such
+/// argument
 template <class T>
 void vary(std::vector<stored_matrix> &matrices, const routine_row &row, const char *name,
           T stored_matrix::*member, std::initializer_list<T> values)

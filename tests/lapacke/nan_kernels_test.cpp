@@ -1,4 +1,5 @@
-// The kernels for each instruction set alone: a run picks one of them, and the others wait for another processor.
+// The kernels for each instruction set alone: a run picks one of them, and the others wait for another
+// processor.
 #include "guarded_array.h"
 #include "lapacke/nancheck_scan.h"
 
@@ -77,8 +78,8 @@ TYPED_TEST(kernels, long_runs)
         }
 }
 
-/// Lines whose ends move by up to two reals, up or down, and packed ones; some are walked four at a time. What lies
-/// between the lines is NaN.
+/// Lines whose ends move by up to two reals, up or down, and packed ones; some are walked four at a time.
+/// What lies between the lines is NaN.
 TYPED_TEST(kernels, lines_of_every_slope)
 {
     using R = TypeParam;

@@ -1,5 +1,5 @@
-// Every NaN check against the definition of its storage scheme: a NaN in any element that is stored is found, and nothing
-// else is, for infinities and huge values look like one to a sum.
+// Every NaN check against the definition of its storage scheme: a NaN in any element that is stored is found,
+// and nothing else is, for infinities and huge values look like one to a sum.
 #include "guarded_array.h"
 #include "helper_call.h"
 #include "xkl_lapacke_helpers.h"

@@ -21,7 +21,8 @@ std::vector<int64_t> packed_places(const stored_matrix &a)
     return places;
 }
 
-/// LAPACK's own conversion tells where it puts the elements by columns; by rows, the rectangle's rows are lines.
+/// LAPACK's own conversion tells where it puts the elements by columns; by rows, the rectangle's rows are
+/// lines.
 std::vector<int64_t> rectangle_places(const stored_matrix &a)
 {
     const auto count = static_cast<std::size_t>(a.n * a.n);

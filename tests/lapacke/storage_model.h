@@ -1,4 +1,5 @@
-// Where the elements of a matrix are in memory: the definitions of the storage schemes, one element at a time.
+// Where the elements of a matrix are in memory: the definitions of the storage schemes, one element at a
+// time.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Every layout copy against the definition of its storage scheme: stored elements arrive, all other places keep what they
-// hold.
+// Every layout copy against the definition of its storage scheme: stored elements arrive, all other places
+// keep what they hold.
 #include "guarded_array.h"
 #include "helper_call.h"
 #include "xkl_lapacke_helpers.h"
