@@ -45,17 +45,17 @@ typedef struct {
 #define lapack_complex_double_real(z) ((z).real())
 #define lapack_complex_double_imag(z) ((z).imag())
 #else
-#ifdef __cplusplus
-#include <complex>
-#else
+#ifndef __cplusplus
 #include <complex.h>
 #endif
-#define lapack_complex_float float _Complex
-#define lapack_complex_double double _Complex
-#define lapack_complex_float_real(z) (__real__(z))
-#define lapack_complex_float_imag(z) (__imag__(z))
-#define lapack_complex_double_real(z) (__real__(z))
-#define lapack_complex_double_imag(z) (__imag__(z))
+__extension__ typedef float _Complex xkl_lapack_complex_float;
+__extension__ typedef double _Complex xkl_lapack_complex_double;
+#define lapack_complex_float xkl_lapack_complex_float
+#define lapack_complex_double xkl_lapack_complex_double
+#define lapack_complex_float_real(z) (__extension__ __real__(z))
+#define lapack_complex_float_imag(z) (__extension__ __imag__(z))
+#define lapack_complex_double_real(z) (__extension__ __real__(z))
+#define lapack_complex_double_imag(z) (__extension__ __imag__(z))
 #endif
 
 /* A complex number from its parts, whatever the type: its memory is the real part and then the imaginary. */

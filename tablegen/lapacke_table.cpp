@@ -482,6 +482,7 @@ std::vector<lapacke_routine> read_lapacke(const std::vector<std::string> &files,
                 if (const auto mark = name.find('?'); mark != std::string::npos)
                     name.replace(mark, 1, type);
                 result.push_back(builder(row, find_base(row, base, name)).build());
+                check(result.back());
             }
     return result;
 }

@@ -102,6 +102,9 @@ struct lapacke_routine {
 std::vector<lapacke_routine> read_lapacke(const std::vector<std::string> &files,
                                           const std::vector<routine> &base);
 
+/// Throws table_error where a row's statements don't fit together.
+void check(const lapacke_routine &row);
+
 /// The letter of a helper for an argument's elements: s, d, c, z.
 char helper_letter(const argument &arg, char element);
 

@@ -122,7 +122,7 @@ class high_level_printer : body_printer {
             const workspace *queried = queried_as(each.name);
             const workspace *sized = sized_by(each.name);
             if (query && queried)
-                parts.push_back((queried->twice ? "" : "&") + each.name + "_query");
+                parts.push_back(each.name + "_query");
             else if (query && sized)
                 parts.push_back("-1");
             else if (row_.is_parameter(each.name) || obtained.contains(each.name) || !is_space(each.name))
@@ -198,9 +198,10 @@ class high_level_printer : body_printer {
     {
         if (!obtained.empty())
             stop_without_memory();
+        // Two elements: some routines answer with the least size too.
         for (const workspace &each : row_.workspaces)
             if (!each.size.empty())
-                line(element_of(each) + " " + each.name + "_query" + (each.twice ? "[2]" : "") + "{};");
+                line(element_of(each) + " " + each.name + "_query[2]{};");
         const bool kept = std::any_of(row_.handed.begin(), row_.handed.end(),
                                       [](const handed_over &each) { return !each.before; });
         line(std::string(kept ? "" : "const ") + "lapack_int info = " + work_call(obtained, true) + ";");
@@ -212,8 +213,7 @@ class high_level_printer : body_printer {
         }
         for (const workspace &each : row_.workspaces)
             if (!each.size.empty())
-                line("const lapack_int " + each.size + " = queried(" + each.name + "_query" +
-                     (each.twice ? "[0]" : "") + ");");
+                line("const lapack_int " + each.size + " = queried(" + each.name + "_query[0]);");
     }
 
     void print_workspace(const workspace &each, std::set<std::string> &obtained)

@@ -1,14 +1,12 @@
 #include "lapacke_call.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstring>
 #include <dlfcn.h>
 #include <map>
 #include <sstream>
+#include <stdexcept>
 #include <utility>
 
 namespace lapacke {
@@ -64,14 +62,14 @@ template <std::size_t>
 using real = double;
 
 template <class Result, std::size_t... I, std::size_t... J>
-Result invoke(void *routine, const words &w, const std::array<double, most_reals> &d,
+Result invoke(void *routine, const std::vector<int64_t> &w, const std::array<double, most_reals> &d,
               std::index_sequence<I...>, std::index_sequence<J...>)
 {
     return reinterpret_cast<Result (*)(word<I>..., real<J>...)>(routine)(w[I]..., d[J]...);
 }
 
 template <class Result>
-Result invoke(void *routine, const words &w, const std::array<double, most_reals> &d)
+Result invoke(void *routine, const std::vector<int64_t> &w, const std::array<double, most_reals> &d)
 {
     return invoke<Result>(routine, w, d, std::make_index_sequence<most_words>{},
                           std::make_index_sequence<most_reals>{});
@@ -263,9 +261,9 @@ int64_t call::place(const std::string &name) const
     throw std::out_of_range(this->name() + " has no argument " + name);
 }
 
-double call::make(const std::string &suffix)
+double call::make(const std::string &suffix, void *library)
 {
-    words w;
+    std::vector<int64_t> w;
     std::array<double, most_reals> d{};
     std::size_t reals = 0;
     if (row.has_layout)
@@ -285,7 +283,7 @@ double call::make(const std::string &suffix)
         }
     w.resize(most_words);
     const std::string symbol = name() + suffix;
-    void *routine = dlsym(RTLD_DEFAULT, symbol.c_str());
+    void *routine = dlsym(library ? library : RTLD_DEFAULT, symbol.c_str());
     if (!routine)
         throw std::runtime_error(symbol + " is not exported");
     const std::string result = row.result;
@@ -300,81 +298,6 @@ std::vector<std::vector<char>> call::contents() const
     for (const argument &each : arguments)
         all.push_back(each.memory);
     return all;
-}
-
-core::core(const lapacke_row &row)
-    : names(cut(row.work_names)), types(cut(row.work_types)), row_(row), given_(cut(row.names))
-{
-    recorded.serves_memory = true;
-    recorded.on_call = [this](const core_call &seen) { called(seen); };
-}
-
-std::size_t core::place(const std::string &name) const
-{
-    return static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
-}
-
-int64_t core::integer(const words &arguments, const std::string &name) const
-{
-    return *reinterpret_cast<const int64_t *>(arguments.at(place(name)));
-}
-
-bool core::is_workspace(const std::string &name) const
-{
-    return types[place(name)].ends_with("*") &&
-           std::find(given_.begin(), given_.end(), name) == given_.end();
-}
-
-bool core::is_query(const words &arguments) const
-{
-    for (const char *size : {"lwork", "liwork", "lrwork", "lcwork", "ldswork", "tsize"})
-        if (place(size) < names.size() && integer(arguments, size) == -1)
-            return true;
-    return false;
-}
-
-void core::answer_query(const words &arguments) const
-{
-    for (std::size_t i = 0; i < names.size(); ++i)
-        if (arguments[i] != 0 && is_workspace(names[i])) {
-            auto *const place = reinterpret_cast<void *>(arguments[i]);
-            write(place, element_of(types[i]), 0, static_cast<double>(answer(i)));
-            if (names[i] == "swork" && this->place("ldswork") < names.size())
-                write(place, element_of(types[i]), 1, 2);
-        }
-}
-
-void core::called(const core_call &seen)
-{
-    if (seen.entry.ends_with("omatcopy")) { // the core's kernel: b := a transposed
-        const auto at = [&](std::size_t i) { return seen.arguments[i]; };
-        const std::size_t size = size_of(seen.entry[std::string("xkl_trans_xkl_").size()]);
-        const bool by_rows = at(0) == 'r';
-        const int64_t lines = by_rows ? at(2) : at(3), length = by_rows ? at(3) : at(2);
-        for (int64_t i = 0; i < lines; ++i)
-            for (int64_t j = 0; j < length; ++j)
-                std::memcpy(
-                    reinterpret_cast<char *>(at(7)) + size * static_cast<std::size_t>(j * at(8) + i),
-                    reinterpret_cast<char *>(at(5)) + size * static_cast<std::size_t>(i * at(6) + j), size);
-        return;
-    }
-    if (!seen.entry.starts_with("xkl_lapack_") && !seen.entry.starts_with("xkl_blas_"))
-        return;
-    last = seen.arguments;
-    ++calls;
-    if (is_query(last)) {
-        ++queries;
-        answer_query(last);
-    } else if (compute) {
-        compute(last);
-    }
-    if (row_.has_info)
-        *reinterpret_cast<int64_t *>(last.at(names.size())) = info;
-}
-
-std::string message()
-{
-    return recorded.lines.empty() ? "" : recorded.lines.back().text;
 }
 
 } // namespace lapacke

@@ -1,14 +1,11 @@
-// One call of a LAPACKE function over the recording core: its arguments made from their names and C types,
-// and a core that answers size queries and can fill in results.
+// One call of a LAPACKE function, its arguments made from their names and C types.
 #pragma once
 
-#include "recorder.h"
 #include "test_rows.h"
 
 #include <complex>
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -68,43 +65,11 @@ class call {
     int64_t place(const std::string &name) const;
 
     /// The result, also of a function that returns a real one.
-    double make(const std::string &suffix = "");
+    /// The function comes from the given library, or else from any that is loaded.
+    double make(const std::string &suffix = "", void *library = nullptr);
 
     /// All memory that the caller gave.
     std::vector<std::vector<char>> contents() const;
 };
-
-/// What the core of a test does when the Fortran routine is called.
-class core {
-  public:
-    explicit core(const lapacke_row &row);
-    ~core() { recorded.on_call = nullptr; }
-    core(const core &) = delete;
-
-    int64_t info = 0;
-    /// Called with the arguments' addresses as the core receives them, for calls that are no size queries.
-    std::function<void(const words &)> compute;
-
-    int calls = 0, queries = 0;
-    words last; // addresses of the last call's arguments: valid while it runs
-    const std::vector<std::string> names, types; // of the Fortran list, but for info
-
-    std::size_t place(const std::string &name) const;
-    int64_t integer(const words &arguments, const std::string &name) const;
-    bool is_workspace(const std::string &name) const;
-    /// Large enough for every checker.
-    static int64_t answer(std::size_t place) { return 200 + static_cast<int64_t>(place); }
-
-  private:
-    void called(const core_call &seen);
-    bool is_query(const words &arguments) const;
-    void answer_query(const words &arguments) const;
-
-    const lapacke_row &row_;
-    const std::vector<std::string> given_; // names of the high-level list
-};
-
-/// The message that was printed last, or "".
-std::string message();
 
 } // namespace lapacke

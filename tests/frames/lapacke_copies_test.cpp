@@ -1,7 +1,7 @@
 // What row-major calls copy, over the recording core. Memory that the library obtains is marked as
 // unwritten, and every element's value tells its place: so each copied element must stand where the same
 // call in column-major has it, and each result where its place in the copy says.
-#include "lapacke_call.h"
+#include "lapacke_core.h"
 
 #include "xkl_lapacke_types.h"
 

@@ -1,7 +1,7 @@
 // Every LAPACKE function over the recording core. What is expected follows from the argument lists: which
 // argument is refused under which number, what becomes of workspaces, and that nothing is left behind. Tables
 // at the end hold what does not: columns of matrices and inputs of chosen routines, from their documentation.
-#include "lapacke_call.h"
+#include "lapacke_core.h"
 
 #include "xkl_lapacke_types.h"
 

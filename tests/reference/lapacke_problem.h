@@ -1,0 +1,12 @@
+// Problems for any LAPACKE function, made from the names of its arguments: matrices that its routine can
+// work with, the same in both layouts.
+#pragma once
+
+#include "lapacke_call.h"
+
+namespace lapacke {
+
+/// Gives `made` data for the layout that it has. Problems of different seeds have different numbers.
+void pose(call &made, int set, unsigned seed);
+
+} // namespace lapacke
