@@ -205,7 +205,7 @@ TEST_F(lapacke_copies, matrices_are_copied_where_they_are_used)
                                    {"dpbtrf", "ab", 0, 12, 12},
                                    {"xkl_dgetrfnpi", "a", 0, 35, 35},
                                    {"xkl_dtppack", "a", 0, 6, 0},
-                                   {"xkl_dtpunpack", "a", 1, 0, 6},
+                                   {"xkl_dtpunpack", "a", 1, 6, 6},
                                    {"dlarfb", "v", 0, 15, 0},
                                    {"dlaswp", "a", 0, 20, 20},
                                    {"dpteqr", "z", 1, 0, square},

@@ -137,19 +137,59 @@ void fill_matrix(call &made, argument &each, numbers &random)
                   values[at(i, j)]);
 }
 
+bool is_packed(const std::string &name)
+{
+    return name == "ap" || name == "afp" || name == "bp";
+}
+
+bool is_matrix(const call &made, std::size_t i)
+{
+    return i + 1 < made.arguments.size() && made.arguments[i + 1].is_leading_dimension();
+}
+
+/// Of a packed matrix.
+int64_t order(call &made)
+{
+    static const std::set<std::string> by_side = {"opmtr", "upmtr", "tfsm"};
+    const bool rows = by_side.contains(stem_of(made)) && made.at("side").integer == 'L';
+    return rows ? made.at("m").integer : made.at("n").integer;
+}
+
+/// Packed in a rectangle.
+bool is_rectangular_packed(const call &made, std::size_t i)
+{
+    const argument &each = made.arguments[i];
+    const std::string &name = each.name;
+    return made.has("transr") && each.is_array && !is_matrix(made, i) &&
+           (name == "arf" || name == "a" || name == "c");
+}
+
+/// Its place by columns, from that by rows.
+int64_t rectangular_place(call &made, int64_t at)
+{
+    const int64_t n = order(made);
+    const int64_t tall = n % 2 ? n : n + 1, narrow = (n + 1) / 2;
+    const bool upright = made.at("transr").integer == 'N';
+    const int64_t rows = upright ? tall : narrow, columns = upright ? narrow : tall;
+    return at < rows * columns ? at / columns + at % columns * rows : at;
+}
+
+/// Where (i,j) of the upper triangle is in packed memory, and (j,i) of the lower one.
+int64_t packed_place(call &made, int layout, int64_t i, int64_t j)
+{
+    const int64_t n = order(made);
+    const bool upper = !made.has("uplo") || made.at("uplo").integer == 'U';
+    return upper == (layout == column_major) ? i + j * (j + 1) / 2 : j + i * (2 * n - i - 1) / 2;
+}
+
 /// A packed triangle with a large diagonal, the same one in both layouts.
 void fill_packed(call &made, argument &each, numbers &random)
 {
-    const int64_t n = made.has("n") ? made.at("n").integer : 5;
-    const bool upper = !made.has("uplo") || made.at("uplo").integer == 'U';
-    const bool by_columns = made.layout == column_major;
+    const int64_t n = order(made);
     for (int64_t j = 0; j < n; ++j)
-        for (int64_t i = 0; i <= j; ++i) { // (i,j) of the upper triangle, (j,i) of the lower one
-            const number value = i == j ? number(4 + 0.25 * static_cast<double>(j)) : random.next();
-            const bool first_long = upper == by_columns;
-            const int64_t place = first_long ? i + j * (j + 1) / 2 : j + i * (2 * n - i - 1) / 2;
-            write(each.memory.data(), each.element, place, value);
-        }
+        for (int64_t i = 0; i <= j; ++i)
+            write(each.memory.data(), each.element, packed_place(made, made.layout, i, j),
+                  i == j ? number(4 + 0.25 * static_cast<double>(j)) : random.next());
 }
 
 void fill_vector(argument &each, numbers &random)
@@ -177,24 +217,48 @@ void pose(call &made, int set, unsigned seed)
 {
     set_letters(made, set);
     set_numbers(made);
-    static const std::set<std::string> packed = {"ap", "afp", "bp"};
     for (std::size_t i = 0; i < made.arguments.size(); ++i) {
         argument &each = made.arguments[i];
         if (!each.is_array)
             continue;
         numbers random(seed + static_cast<unsigned>(i));
-        const bool matrix = i + 1 < made.arguments.size() && made.arguments[i + 1].is_leading_dimension();
         if (each.element == 'i')
             fill_integers(each);
         else if (each.element == 'a')
             each.memory.assign(each.memory.size(), made.row.routine[1] == 'g' ? 'B' : 'Y');
-        else if (matrix)
+        else if (is_matrix(made, i))
             fill_matrix(made, each, random);
-        else if (packed.contains(each.name))
+        else if (is_packed(each.name))
             fill_packed(made, each, random);
         else
             fill_vector(each, random);
+        if (is_rectangular_packed(made, i) && made.layout == row_major) {
+            const std::vector<char> by_columns = each.memory;
+            for (int64_t at = 0; at < side * side; ++at)
+                write(each.memory.data(), each.element, at,
+                      read(by_columns.data(), each.element, rectangular_place(made, at)));
+        }
     }
+}
+
+int64_t place_by_columns(call &made, std::size_t argument, int64_t at)
+{
+    if (made.layout == column_major)
+        return at;
+    const std::string &name = made.arguments[argument].name;
+    if (made.arguments[argument].is_number() && is_matrix(made, argument))
+        return at % side * side + at / side;
+    if (is_rectangular_packed(made, argument))
+        return rectangular_place(made, at);
+    if (!is_packed(name))
+        return at;
+    const int64_t n = order(made);
+    if (at < n * (n + 1) / 2)
+        for (int64_t j = 0; j < n; ++j)
+            for (int64_t i = 0; i <= j; ++i)
+                if (packed_place(made, row_major, i, j) == at)
+                    return packed_place(made, column_major, i, j);
+    return at;
 }
 
 } // namespace lapacke
