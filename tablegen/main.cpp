@@ -28,6 +28,7 @@ commands:
   core-header    prototypes of the core's entries
   core-forwards  the default core's forwards and stand-ins  (--providers)
   core-own       the default core's own entries             (--providers; --option: their header)
+  core-calls     the core's entries by name and type, for its own code
   core-manifest  who serves each core entry                 (--providers)
   null-core, recording-core   cores for measurements and tests
   exports, version-script     exported names                (--shapes, if any)
@@ -100,6 +101,7 @@ void run(const request &asked, std::ostream &out)
         {"core-header", [&] { print_core_header(out, rows); }},
         {"core-forwards", [&] { print_core_forwards(out, rows, providers); }},
         {"core-own", [&] { print_core_own(out, rows, providers, asked.option); }},
+        {"core-calls", [&] { print_core_calls(out, rows); }},
         {"core-manifest", [&] { print_core_manifest(out, rows, providers); }},
         {"null-core", [&] { print_null_core(out, rows); }},
         {"recording-core", [&] { print_recording_core(out, rows); }},

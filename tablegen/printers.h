@@ -29,6 +29,7 @@ void print_core_header(std::ostream &out, const routines &rows);
 void print_core_forwards(std::ostream &out, const routines &rows, const std::vector<provider> &providers);
 void print_core_own(std::ostream &out, const routines &rows, const std::vector<provider> &providers,
                     const std::string &header);
+void print_core_calls(std::ostream &out, const routines &rows);
 void print_core_manifest(std::ostream &out, const routines &rows, const std::vector<provider> &providers);
 void print_null_core(std::ostream &out, const routines &rows);
 void print_recording_core(std::ostream &out, const routines &rows);

@@ -164,6 +164,7 @@ char element_of(const reader &at, const std::string &prefix)
 struct instance {
     std::string name;
     char element;
+    std::string untyped;
 };
 
 std::vector<instance> expand(const reader &at, const std::string &pattern, const std::string &types)
@@ -172,11 +173,13 @@ std::vector<instance> expand(const reader &at, const std::string &pattern, const
     if ((mark == std::string::npos) != (types == "-"))
         at.fail("a name with ? lists its types, a name without has the types `-`");
     if (mark == std::string::npos)
-        return {{pattern, 0}};
+        return {{pattern, 0, ""}};
+    std::string untyped = to_lower(pattern);
+    std::erase(untyped, '?');
     std::vector<instance> result;
     for (const std::string &prefix : split(types, ',')) {
         std::string name = pattern;
-        result.push_back({name.replace(mark, 1, prefix), element_of(at, prefix)});
+        result.push_back({name.replace(mark, 1, prefix), element_of(at, prefix), untyped});
     }
     return result;
 }
@@ -222,6 +225,7 @@ void read_table(const std::string &file, std::vector<routine> &routines)
             routine typed = row;
             typed.name = one.name;
             typed.element = one.element;
+            typed.untyped = one.untyped;
             for (const argument &each : typed.arguments)
                 if (!kind_fits(each.kind, one.element))
                     at.fail("argument `" + each.name + "`: kind " + each.kind +
