@@ -4,6 +4,7 @@
 #pragma once
 
 #include "batch.h"
+#include "no_pivot.h"
 
 namespace xkl::core {
 
@@ -39,9 +40,9 @@ void getrfnp_batch_strided(const int64_t *m, const int64_t *n, T *a, const int64
                     {6, *batch_size >= 0}},
                    info))
         return;
-    for_each(*batch_size, operations(*m, *n, std::min(*m, *n)), [=](int64_t i) {
-        call(entries::xkl_getrfnp<T>, m, n, a + i * *stridea, lda, info + i);
-    });
+    const int64_t steps = std::min(*m, *n);
+    for_each(*batch_size, operations(*m, *n, steps),
+             [=](int64_t i) { info[i] = factor_without_pivots(*m, *n, steps, a + i * *stridea, *lda); });
 }
 
 template <class T>
@@ -104,13 +105,13 @@ void getri_batch_strided(const int64_t *n, T *a, const int64_t *lda, const int64
                     {7, *batch_size >= 0}},
                    info))
         return;
-    const int64_t lwork = best_workspace<T>(
-        [=](T *work, int64_t query, int64_t *done) { call(entries::getri<T>, n, a, lda, ipiv, work, query, done); });
-    for_each_with_space<T>(name, lwork, *batch_size, 1.5 * operations(*n, *n, *n), info,
-                           [=](int64_t i, T *work) {
-                               call(entries::getri<T>, n, a + i * *stridea, lda, ipiv + i * *stridepiv,
-                                    work, lwork, info + i);
-                           });
+    const int64_t lwork = best_workspace<T>([=](T *work, int64_t query, int64_t *done) {
+        call(entries::getri<T>, n, a, lda, ipiv, work, query, done);
+    });
+    for_each_with_space<T>(
+        name, lwork, *batch_size, 1.5 * operations(*n, *n, *n), info, [=](int64_t i, T *work) {
+            call(entries::getri<T>, n, a + i * *stridea, lda, ipiv + i * *stridepiv, work, lwork, info + i);
+        });
 }
 
 template <class T>
@@ -146,9 +147,8 @@ void potrf_batch_strided(const char *uplo, const int64_t *n, T *a, const int64_t
                     {6, *batch_size >= 0}},
                    info))
         return;
-    for_each(*batch_size, operations(*n, *n, *n) / 3, [=](int64_t i) {
-        call(entries::potrf<T>, uplo, n, a + i * *stridea, lda, info + i);
-    });
+    for_each(*batch_size, operations(*n, *n, *n) / 3,
+             [=](int64_t i) { call(entries::potrf<T>, uplo, n, a + i * *stridea, lda, info + i); });
 }
 
 template <class T>

@@ -14,12 +14,15 @@
 
 namespace xkl::core {
 
-/// What an entry takes for an argument: an address as it is, a value by its address.
+/// What an entry takes for an argument: an address as it is, a value by its address. LAPACK's entries don't tell
+/// which arrays they only read, so that these come in as constants too.
 template <class Parameter, class A>
 Parameter by_address(const A &argument)
 {
     if constexpr (std::is_convertible_v<A, Parameter>)
         return argument;
+    else if constexpr (std::is_pointer_v<A>)
+        return const_cast<Parameter>(argument);
     else
         return &argument;
 }

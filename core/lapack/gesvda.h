@@ -27,9 +27,8 @@ struct truncated_svd {
     {
         const auto asked = [](const auto &ask) { return core::best_workspace<T>(ask); };
         T *const none = nullptr;
-        const int64_t factors = asked([=, this](T *work, int64_t lwork, int64_t *info) {
-            factor(none, none, work, lwork, info);
-        });
+        const int64_t factors = asked(
+            [=, this](T *work, int64_t lwork, int64_t *info) { factor(none, none, work, lwork, info); });
         const int64_t values = asked([=, this](T *work, int64_t lwork, int64_t *info) {
             decompose(none, nullptr, none, work, lwork, info);
         });
@@ -129,8 +128,7 @@ inline int64_t vectors_wanted(const int64_t *iparm, int64_t n, const int64_t *ir
 /// Given ranks may not be above n.
 inline bool ranks_fit(const int64_t *iparm, int64_t n, const int64_t *irank, int64_t count)
 {
-    return iparm[0] != 1 ||
-           every(count, [=](int64_t i) { return irank[i] >= 0 && irank[i] <= n; });
+    return iparm[0] != 1 || every(count, [=](int64_t i) { return irank[i] >= 0 && irank[i] <= n; });
 }
 
 inline bool is_rank_choice(const int64_t *iparm)
@@ -142,17 +140,22 @@ template <class T>
 void gesvda_batch_getsizes(const int64_t *iparm, const int64_t *m, const int64_t *n,
                            const int64_t *batch_size, int64_t *lwork, int64_t *info)
 {
-    if (refused<T>("?GESVDA_BATCH_GETSIZES ",
-                   {{1, is_rank_choice(iparm)},
-                    {2, *m >= 0},
-                    {3, *n >= 0 && *n <= *m},
-                    {4, *batch_size >= 0}},
-                   info))
+    if (refused<T>(
+            "?GESVDA_BATCH_GETSIZES ",
+            {{1, is_rank_choice(iparm)}, {2, *m >= 0}, {3, *n >= 0 && *n <= *m}, {4, *batch_size >= 0}},
+            info))
         return;
     const int64_t ld = std::max<int64_t>(*m, 1);
     *info = 0;
     *lwork = make_truncated_svd<T>(iparm, *m, *n, ld, ld, ld, 0).best_workspace() *
              std::max<int64_t>(wanted_ranges(*batch_size), 1);
+}
+
+/// In an element, rounded up where it has too few digits
+template <class T>
+void tell_best(int64_t best, T *work)
+{
+    *work = call(entries::roundup_lwork<real_of<T>>, best);
 }
 
 /// The tests of lwork and its query, at its place in the list; true when nothing is left to do.
@@ -163,10 +166,11 @@ bool workspace_settled(const char *routine, int64_t place, const truncated_svd<T
     constexpr int64_t query = -1;
     if (refused<T>(routine, {{place, lwork == query || lwork >= svd.least_workspace()}}, info))
         return true;
-    *work = call(entries::roundup_lwork<real_of<T>>, best);
-    if (lwork == query)
-        *info = 0;
-    return lwork == query;
+    if (lwork != query)
+        return false;
+    tell_best(best, work);
+    *info = 0;
+    return true;
 }
 
 template <class T>
@@ -200,11 +204,12 @@ void gesvda_batch_strided(const int64_t *iparm, int64_t *irank, const int64_t *m
     if (workspace_settled(name, 19, svd, best * wanted, *lwork, work, info))
         return;
     const int64_t ranges = std::clamp<int64_t>(*lwork / best, 1, wanted), length = *lwork / ranges;
-    for_each_in_spaces(work, ranges, length, *batch_size, 4 * operations(*m, *n, *n),
-                       [=](int64_t i, T *space) {
-                           svd(irank + i, a + i * *stridea, s + i * *strides, u + i * *strideu,
-                               vt + i * *stridevt, residual + i, space, length, info + i);
-                       });
+    for_each_in_spaces(
+        work, ranges, length, *batch_size, 4 * operations(*m, *n, *n), [=](int64_t i, T *space) {
+            svd(irank + i, a + i * *stridea, s + i * *strides, u + i * *strideu, vt + i * *stridevt,
+                svd.residual_wanted ? residual + i : nullptr, space, length, info + i);
+        });
+    tell_best(best * wanted, work);
 }
 
 template <class T>
@@ -226,8 +231,11 @@ void gesvda_batch_kernel(const int64_t *iparm, int64_t *irank, const int64_t *m,
                    info))
         return;
     const auto svd = make_truncated_svd<T>(iparm, *m, *n, *lda, *ldu, *ldvt, *tolerance);
-    if (!workspace_settled(name, 15, svd, svd.best_workspace(), *lwork, work, info))
-        svd(irank, a, s, u, vt, residual, work, *lwork, info);
+    const int64_t best = svd.best_workspace();
+    if (workspace_settled(name, 15, svd, best, *lwork, work, info))
+        return;
+    svd(irank, a, s, u, vt, residual, work, *lwork, info);
+    tell_best(best, work);
 }
 
 } // namespace xkl::core
