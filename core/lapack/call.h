@@ -14,10 +14,11 @@
 
 namespace xkl::core {
 
-/// What an entry takes for an argument: an address as it is, a value by its address. LAPACK's entries don't tell
-/// which arrays they only read, so that these come in as constants too.
+/// What an entry takes for an argument: an address as it is, a value by the address of a copy, for some
+/// routines write over their sizes. LAPACK's entries don't tell which arrays they only read, so that
+/// constant ones come in too.
 template <class Parameter, class A>
-Parameter by_address(const A &argument)
+Parameter by_address(A &argument)
 {
     if constexpr (std::is_convertible_v<A, Parameter>)
         return argument;
@@ -29,7 +30,7 @@ Parameter by_address(const A &argument)
 
 template <class Result, class... Parameters, class... A, size_t... I, size_t... Length>
 Result call_in_order(std::index_sequence<I...>, std::index_sequence<Length...>,
-                     Result (*entry)(Parameters...), const A &...arguments)
+                     Result (*entry)(Parameters...), A... arguments)
 {
     constexpr int64_t one_letter = 1;
     using types = std::tuple<Parameters...>;
@@ -38,7 +39,7 @@ Result call_in_order(std::index_sequence<I...>, std::index_sequence<Length...>,
 }
 
 template <class Result, class... Parameters, class... A>
-Result call(Result (*entry)(Parameters...), const A &...arguments)
+Result call(Result (*entry)(Parameters...), A... arguments)
 {
     constexpr size_t given = sizeof...(A), hidden = sizeof...(Parameters) - given;
     return call_in_order(std::make_index_sequence<given>(), std::make_index_sequence<hidden>(), entry,
