@@ -46,6 +46,10 @@ std::string visible_parameter_list(const routine &row); // with types only for w
 std::string core_parameter_list(const routine &row,
                                 bool named = true);            // with the trailing 0 and hidden lengths
 std::string argument_names(const std::vector<argument> &args); // transa, ...
+std::string valued_parameter_list(const routine &row,
+                                  bool named = true); // char ordering, ..., double alpha, ...
+void print_valued_row(std::ostream &out, const routine &row);
+void print_valued_bodies(std::ostream &out, const routine &row); // with their checker
 std::string cblas_name(const shaped &row);
 std::vector<argument> cblas_arguments(const shaped &row);
 std::string cblas_parameter_list(const shaped &row);

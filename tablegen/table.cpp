@@ -112,15 +112,15 @@ frame_spec parse_frame(const reader &at, std::string text)
     }
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
-    static const std::set<std::string> known = {"checked", "guarded", "registered",    "traced",
-                                                "through", "forward", "forward-mixed", "own"};
+    static const std::set<std::string> known = {"checked", "guarded", "registered",    "traced", "through",
+                                                "valued",  "forward", "forward-mixed", "own"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
-                "`; frames are checked, guarded, registered, traced, through, forward, forward-mixed, "
-                "own");
-    const bool checks = frame.kind == "checked" || frame.kind == "guarded";
+                "`; frames are checked, guarded, registered, traced, through, valued, forward, "
+                "forward-mixed, own");
+    const bool checks = frame.kind == "checked" || frame.kind == "guarded" || frame.kind == "valued";
     if (checks != !frame.rule.empty() && frame.kind != "forward")
-        at.fail("a checked or guarded frame, and no other, names its checks: `checked:gemm`");
+        at.fail("a checked, guarded or valued frame, and no other, names its checks: `checked:gemm`");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
         at.fail("only checked and traced frames have a group form");
     return frame;
@@ -230,6 +230,8 @@ void read_table(const std::string &file, std::vector<routine> &routines)
                 if (!kind_fits(each.kind, one.element))
                     at.fail("argument `" + each.name + "`: kind " + each.kind +
                             " needs a routine with a type");
+                else if (row.frame.kind == "valued" && !kind_has_value(each.kind))
+                    at.fail("argument `" + each.name + "`: a valued frame takes no kind " + each.kind);
             routines.push_back(typed);
         }
     }

@@ -33,6 +33,8 @@ extern const routine_row blas_rows[];
 extern const int blas_row_count;
 extern const routine_row lapack_rows[];
 extern const int lapack_row_count;
+extern const routine_row matcopy_rows[];
+extern const int matcopy_row_count;
 extern const routine_row service_rows[];
 extern const int service_row_count;
 extern const cblas_row cblas_rows[];
