@@ -113,14 +113,16 @@ frame_spec parse_frame(const reader &at, std::string text)
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
     static const std::set<std::string> known = {"checked", "guarded", "registered",    "traced", "through",
-                                                "valued",  "forward", "forward-mixed", "own"};
+                                                "valued",  "forward", "forward-mixed", "helper", "own"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
                 "`; frames are checked, guarded, registered, traced, through, valued, forward, "
-                "forward-mixed, own");
-    const bool checks = frame.kind == "checked" || frame.kind == "guarded" || frame.kind == "valued";
-    if (checks != !frame.rule.empty() && frame.kind != "forward")
-        at.fail("a checked, guarded or valued frame, and no other, names its checks: `checked:gemm`");
+                "forward-mixed, helper, own");
+    static const std::set<std::string> ruled = {"checked", "guarded", "valued", "helper"};
+    if (ruled.contains(frame.kind) != !frame.rule.empty() && frame.kind != "forward")
+        at.fail(
+            "a checked, guarded or valued frame names its checks (`checked:gemm`), a helper its template "
+            "(`helper:tr_trans`), and no other frame has a rule");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
         at.fail("only checked and traced frames have a group form");
     return frame;

@@ -4,9 +4,9 @@
 
 #include "compact_factor.h"
 
-#include "blas/compact_kernels.h"
-
 #include <limits>
+
+#include "blas/compact_kernels.h"
 
 // How vectors wider than the processor's registers are passed: they never are, all of this is inlined.
 #pragma GCC diagnostic ignored "-Wpsabi"
@@ -20,13 +20,18 @@ template <class V>
     return x < 0 ? -x : x;
 }
 
+/// Compiled for roots that don't set errno, the loop is an instruction.
 template <class R, class V>
 [[gnu::always_inline]] inline V square_root(const V &x)
 {
-    V root = x;
-    for (size_t i = 0; i < sizeof(V) / sizeof(R); ++i)
-        root[i] = sizeof(R) == 4 ? __builtin_sqrtf(x[i]) : __builtin_sqrt(x[i]);
-    return root;
+    constexpr int64_t lanes = sizeof(V) / sizeof(R);
+    R root[lanes];
+    __builtin_memcpy(root, &x, sizeof x);
+    for (int64_t i = 0; i < lanes; ++i)
+        root[i] = sizeof(R) == 4 ? __builtin_sqrtf(root[i]) : __builtin_sqrt(root[i]);
+    V result;
+    __builtin_memcpy(&result, root, sizeof x);
+    return result;
 }
 
 /// Divisors are reciprocals in either type here: a pivot so small that its reciprocal is infinite is no

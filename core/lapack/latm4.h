@@ -123,50 +123,51 @@ void swap_ends(const test_matrix<T> &matrix)
     }
 }
 
+/// Blocks are for real matrices: the eigenvalues of complex ones need none.
+template <class T>
+void change_signs_or_make_blocks(const test_matrix<T> &matrix, int64_t sign)
+{
+    if (sign != 0)
+        change_signs(matrix);
+    if constexpr (!element<T>::is_complex)
+        if (sign == 2 && !matrix.is_jordan())
+            make_blocks(matrix);
+}
+
+template <class T>
+void fill_above(const test_matrix<T> &matrix, real_of<T> magnitude)
+{
+    for (int64_t j = 1; j < matrix.n; ++j)
+        for (int64_t i = 0; i < j; ++i) {
+            const bool in_a_block = i + 1 == j && !matrix.is_jordan() && matrix.at(j, i) != T(0);
+            if (!in_a_block)
+                matrix.at(i, j) = magnitude * matrix.random();
+        }
+}
+
 template <class T>
 void latm4(const int64_t *itype, const int64_t *n, const int64_t *nz1, const int64_t *nz2,
            const int64_t *sign, const real_of<T> *amagn, const real_of<T> *rcond, const real_of<T> *triang,
            const int64_t *idist, int64_t *iseed, T *a, const int64_t *lda)
 {
-    const int64_t order = *n, type = std::abs(*itype);
-    if (order <= 0)
+    const int64_t order = *n, type = std::abs(*itype), distance = *lda;
+    for (int64_t j = 0; j < order; ++j)
+        std::fill_n(a + j * distance, order, T(0));
+    if (type == 0 || order <= 0)
         return;
     const bool with_zeros = type > 3;
-    const test_matrix<T> matrix = {type,
-                                   order,
-                                   with_zeros ? std::clamp<int64_t>(*nz1, 0, order) : 0,
-                                   with_zeros ? order - std::clamp<int64_t>(*nz2, 0, order) : order,
-                                   *rcond,
-                                   *idist,
-                                   iseed,
-                                   a,
-                                   *lda};
-    for (int64_t j = 0; j < order; ++j)
-        std::fill_n(a + j * matrix.lda, order, T(0));
-    if (type == 0)
-        return;
+    const int64_t first = with_zeros ? std::clamp<int64_t>(*nz1, 0, order) : 0,
+                  last = with_zeros ? order - std::clamp<int64_t>(*nz2, 0, order) : order;
+    const test_matrix<T> matrix = {type, order, first, last, *rcond, *idist, iseed, a, distance};
     fill_band(matrix);
-    for (int64_t i = 0; i < order; ++i) {
-        matrix.at(i, i) *= *amagn;
-        if (i + 1 < order)
-            matrix.at(i + 1, i) *= *amagn;
-    }
-    if (*sign != 0)
-        change_signs(matrix);
-    bool blocks = false;
-    if constexpr (!element<T>::is_complex)
-        blocks = *sign == 2 && !matrix.is_jordan();
-    if constexpr (!element<T>::is_complex)
-        if (blocks)
-            make_blocks(matrix);
+    for (int64_t j = 0; j < order; ++j)
+        for (int64_t i = j; i < std::min(order, j + 2); ++i)
+            matrix.at(i, j) *= *amagn;
+    change_signs_or_make_blocks(matrix, *sign);
     if (*itype < 0)
         swap_ends(matrix);
-    if (*triang == 0)
-        return;
-    for (int64_t j = 1; j < order; ++j)
-        for (int64_t i = 0; i < j; ++i) // a block keeps what is its own
-            if (!(blocks && i + 1 == j && matrix.at(j, i) != T(0)))
-                matrix.at(i, j) = *triang * matrix.random();
+    if (*triang != 0)
+        fill_above(matrix, *triang);
 }
 
 } // namespace xkl::core

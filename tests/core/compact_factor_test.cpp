@@ -1,5 +1,6 @@
 // Compact factorizations against the routines for one matrix: for every format and layout, for orders below,
-// at and above the width of a panel, and for numbers of matrices that leave lanes empty.
+// at and above the width of a panel, for numbers of matrices that leave lanes empty and for one that threads
+// share.
 #include "compact_family.h"
 
 #include "core_lapack.h"
@@ -73,6 +74,7 @@ TYPED_TEST(compact_factor, lu_and_inverse)
              {3, 9, 5},
              {9, 3, 5},
              {7, 0, 2},
+             {8, 8, 2000},
              {1, 1, 0}},
             [](int32_t format, int32_t layout, const shape &size) {
                 const auto &[m, n, nm] = size;
