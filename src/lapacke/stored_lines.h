@@ -120,10 +120,9 @@ struct packed_rectangle {
 inline packed_rectangle rectangle_of(int layout, char transr, char uplo, int64_t n)
 {
     const bool even = n % 2 == 0;
-    return {is(transr, 'N') ? layout : other_layout(layout), even ? n + 1 : n, even ? n / 2 : (n + 1) / 2,
-            is(uplo, 'U') ? n / 2
-            : even        ? 0
-                          : -1};
+    const int64_t upper_diagonal = n / 2, lower_diagonal = even ? 0 : -1;
+    return {is(transr, 'N') ? layout : other_layout(layout), even ? n + 1 : n, (n + 1) / 2,
+            is(uplo, 'U') ? upper_diagonal : lower_diagonal};
 }
 
 } // namespace xkl::lapacke
