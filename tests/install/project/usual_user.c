@@ -17,7 +17,7 @@ static double residual(lapack_int n)
     lapack_int i, info;
     double largest;
     for (i = 0; i < n * n; ++i)
-        factors[i] = a[i] = cos((double)(i * i));
+        factors[i] = a[i] = (double)(i * i % 17) - (i % (n + 1) == 0 ? 100.0 : 8.0);
     for (i = 0; i < n; ++i)
         x[i] = b[i] = (double)i;
     info = LAPACKE_dgesv(LAPACK_ROW_MAJOR, n, 1, factors, n, ipiv, x, 1);
