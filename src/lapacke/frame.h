@@ -41,7 +41,7 @@ constexpr int64_t counting_layout(int64_t info)
 extern constinit std::atomic<int> nan_check;
 [[gnu::cold, gnu::noinline]] int resolve_nan_check();
 
-inline bool checks_nan()
+[[gnu::always_inline]] inline bool checks_nan()
 {
     const int flag = nan_check.load(std::memory_order_relaxed);
     return (flag < 0 ? resolve_nan_check() : flag) != 0;
@@ -67,7 +67,7 @@ class blocks {
   public:
     static constexpr int most_blocks = 8; // tablegen looks that no routine needs more
 
-    ~blocks()
+    [[gnu::always_inline]] ~blocks()
     {
         if (used_ != 0)
             release();
