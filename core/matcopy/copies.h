@@ -78,7 +78,7 @@ template <class T>
 void xkl_omatcopy(char ordering, char trans, size_t rows, size_t cols, scalar_argument<T> alpha, const T *a,
                   size_t lda, T *b, size_t ldb)
 {
-    constexpr size_t few = 64;
+    constexpr size_t few = 48;
     const operation op(trans);
     const stored_lines shape(ordering, rows, cols);
     const bool kept = value_of(alpha) == T(1) && !(element<T>::is_complex && op.conjugated);
