@@ -355,7 +355,7 @@ TYPED_TEST(matcopy, strided_batches_are_loops)
     using T = TypeParam;
     const T alpha = this->factors[1], beta = this->factors[2];
     for (const size_t count : {0, 1, 3, 200}) {
-        const size_t m = 45, n = 33, lda = 47, ldb = 46, step = 2100;
+        const size_t m = 45, n = 33, lda = 47, ldb = 46, step = 2200;
         const stored<T> a('C', step, count + 1, 0), b('C', step, count + 1, 0), c('C', step, count + 1, 0);
         const T *from = a.memory.data(), *second = b.memory.data();
         std::vector<T> one = c.memory, all = c.memory;
