@@ -65,25 +65,16 @@ template <class T, int bytes, class Map>
     using row = elements_of<T, bytes>;
     constexpr size_t count = row::count;
     row one[count], other[count];
-    const auto load = [&](row * square, const T *from) __attribute__((always_inline))
-    {
-#pragma GCC unroll 16
-        for (size_t k = 0; k < count; ++k) {
-            square[k].load(from + k * ld);
-            map.apply(square[k]);
-        }
-        turn_registers(square);
-    };
     const auto store = [&](const row *square, T *to) __attribute__((always_inline))
     {
 #pragma GCC unroll 16
         for (size_t k = 0; k < count; ++k)
             square[k].store(to + k * ld);
     };
-    load(one, p);
+    load_turned(p, ld, one, map);
     if (p == q)
         return store(one, p);
-    load(other, q);
+    load_turned(q, ld, other, map);
     store(one, q);
     store(other, p);
 }
@@ -145,13 +136,11 @@ struct operand {
     template <int bytes>
     [[gnu::always_inline]] void load(elements_of<T, bytes> *square, size_t i, size_t j) const
     {
-#pragma GCC unroll 16
-        for (int k = 0; k < elements_of<T, bytes>::count; ++k) {
-            square[k].load(at(i, j) + k * a.ld);
-            by.apply(square[k]);
-        }
         if constexpr (turned)
-            turn_registers(square);
+            return load_turned(at(i, j), a.ld, square, by);
+#pragma GCC unroll 16
+        for (size_t k = 0; k < elements_of<T, bytes>::count; ++k)
+            load_line(square[k], i + k, j);
     }
 };
 

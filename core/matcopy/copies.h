@@ -19,25 +19,14 @@ void move_lines(block<const T> a, block<T> b, size_t lines, size_t length, const
     });
 }
 
-/// How to write a turned copy. Lines at these distances share a few sets of the nearest cache, which then
-/// holds no tile of a source and a copy at once.
-template <class T>
-writing writing_of_turned(size_t bytes, size_t lda, size_t ldb)
-{
-    constexpr size_t shared_sets = 2048, worth_diagonals = 64 * 1024;
-    const auto shares = [](size_t ld) { return ld * sizeof(T) % shared_sets == 0; };
-    if (bytes >= bytes_to_stream && ldb * sizeof(T) % 64 == 0)
-        return writing::streamed;
-    return bytes >= worth_diagonals && (shares(lda) || shares(ldb)) ? writing::crosswise : writing::cached;
-}
-
 /// Every line of the copy runs across the lines of the source. Blocks that are streamed cover whole pages,
 /// so that few translations of addresses serve one; others fit the second cache with their copy.
 template <class T>
 void turn_lines(block<const T> a, block<T> b, size_t lines, size_t length, const factor<T> &by)
 {
     const size_t bytes = lines * length * sizeof(T);
-    const writing how = writing_of_turned<T>(bytes, a.ld, b.ld);
+    const bool on_cache_lines = b.ld * sizeof(T) % 64 == 0;
+    const writing how = bytes >= bytes_to_stream && on_cache_lines ? writing::streamed : writing::cached;
     const size_t step = (how == writing::streamed ? 4096 : 1024) / sizeof(T);
     const auto turn = copy_kernels_in_force().of<T>().turn;
     for_blocks({lines, step, before_cache_line(b.first, b.ld)},

@@ -51,12 +51,8 @@ struct block {
     }
 };
 
-/// How a block is written.
-enum class writing {
-    cached,    // through the caches
-    crosswise, // the same, on diagonals: for distances between lines that share sets of a cache
-    streamed   // past the caches: for copies that these can't hold
-};
+/// How a block is written: through the caches, or past them when they can't hold the copy.
+enum class writing { cached, streamed };
 
 /// The lines that are turned together: a cache line of a turned line.
 template <class T>
