@@ -13,7 +13,7 @@ void move_lines(block<const T> a, block<T> b, size_t lines, size_t length, const
         lines = 1;
     }
     const auto move = copy_kernels_in_force().of<T>().move;
-    const writing how = lines * length * sizeof(T) >= bytes_to_stream ? writing::streamed : writing::cached;
+    const writing how = writing_of(lines * length * sizeof(T));
     for_line_blocks<T>(lines, length, [&](size_t i, size_t last_i, size_t j, size_t last_j) {
         move(a.at(i, j), b.at(i, j), last_i - i, last_j - j, by, how);
     });
@@ -25,8 +25,7 @@ template <class T>
 void turn_lines(block<const T> a, block<T> b, size_t lines, size_t length, const factor<T> &by)
 {
     const size_t bytes = lines * length * sizeof(T);
-    const bool on_cache_lines = b.ld * sizeof(T) % 64 == 0;
-    const writing how = bytes >= bytes_to_stream && on_cache_lines ? writing::streamed : writing::cached;
+    const writing how = writing_of(bytes);
     const size_t step = (how == writing::streamed ? 4096 : 1024) / sizeof(T);
     const auto turn = copy_kernels_in_force().of<T>().turn;
     for_blocks({lines, step, before_cache_line(b.first, b.ld)},

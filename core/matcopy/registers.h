@@ -45,7 +45,6 @@ template <int bytes, class V, size_t... lane>
 /// Elements as they are
 template <class T>
 struct kept {
-    explicit kept(const factor<T> &) {}
     template <int bytes>
     [[gnu::always_inline]] void apply(elements_of<T, bytes> &) const
     {

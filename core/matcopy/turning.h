@@ -2,7 +2,7 @@
 // lines are read and written, each once, wherever the distances between lines allow it.
 #pragma once
 
-#include "matcopy/registers.h"
+#include "matcopy/moving.h"
 
 namespace xkl::core {
 namespace {
@@ -101,16 +101,39 @@ void turn_tiles(block<const T> a, block<T> b, size_t lines, size_t length, const
     }
 }
 
-template <class T>
-bool on_cache_lines(block<T> b)
+/// Lines that begin anywhere within cache lines can't be streamed tile by tile. They go through a buffer, a
+/// square at a time, so that all but the ends of its lines are whole cache lines again. The square that comes
+/// next is read ahead meanwhile.
+template <class T, int bytes, class Map>
+void stream_through_buffer(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map)
 {
-    return (reinterpret_cast<size_t>(b.first) | b.ld * sizeof(T)) % 64 == 0;
+    constexpr size_t side = 512 / sizeof(T), strip = tile<T>, ld = side + strip;
+    alignas(64) unsigned char space[side * ld * sizeof(T)];
+    T *const buffer = reinterpret_cast<T *>(space);
+    for (size_t j = 0; j < length; j += side)
+        for (size_t i = 0; i < lines; i += side) {
+            const size_t last = i + side < lines ? i + side : lines;
+            const size_t width = j + side < length ? side : length - j;
+            for (size_t k = i; k < last; k += strip) {
+                for (size_t row = 0; row < strip && k + side + row < lines; ++row)
+                    for (size_t place = 0; place < width; place += strip)
+                        __builtin_prefetch(a.first + (k + side + row) * a.ld + j + place, 0, 2);
+                turn_any<T, bytes>(a.at(k, j), block<T>{buffer + (k - i), ld},
+                                   k + strip < last ? strip : last - k, width, map);
+            }
+            for (size_t k = 0; k < width; ++k)
+                move_line<T, bytes, true>(buffer + k * ld, b.at(j + k, i).first, last - i, kept<T>());
+        }
+    _mm_sfence();
 }
 
 template <class T, int bytes, class Map>
 void turn_mapped(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map, writing how)
 {
     constexpr size_t side = tile<T>;
+    const bool aligned = b.ld * sizeof(T) % 64 == 0 && reinterpret_cast<size_t>(b.first) % sizeof(T) == 0;
+    if (how == writing::streamed && !aligned)
+        return stream_through_buffer<T, bytes>(a, b, lines, length, map);
     const size_t first_i = before_cache_line(b.first, b.ld), first_j = before_cache_line(a.first, a.ld);
     if (lines < first_i + side || length < first_j + side)
         return turn_any<T, bytes>(a, b, lines, length, map);
@@ -123,7 +146,7 @@ void turn_mapped(block<const T> a, block<T> b, size_t lines, size_t length, cons
     edge(first_i, last_i, 0, first_j);
     const auto inner_a = a.at(first_i, first_j);
     const auto inner_b = b.at(first_j, first_i);
-    if (how == writing::streamed && on_cache_lines(inner_b))
+    if (how == writing::streamed)
         stream_tiles<T, bytes>(inner_a, inner_b, inner_lines, inner_length, map);
     else
         turn_tiles<T, bytes>(inner_a, inner_b, inner_lines, inner_length, map);
@@ -135,7 +158,7 @@ template <class T, int bytes>
 void turn(block<const T> a, block<T> b, size_t lines, size_t length, const factor<T> &by, writing how)
 {
     if (by.keeps)
-        turn_mapped<T, bytes>(a, b, lines, length, kept<T>(by), how);
+        turn_mapped<T, bytes>(a, b, lines, length, kept<T>(), how);
     else
         turn_mapped<T, bytes>(a, b, lines, length, scaled<T>(by), how);
 }
