@@ -5,7 +5,7 @@ set(XKL_BLAS_TABLE_NAMES level1 sparse1 level2 level3 batch extensions)
 list(TRANSFORM XKL_BLAS_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/blas/ OUTPUT_VARIABLE XKL_BLAS_TABLES)
 list(TRANSFORM XKL_BLAS_TABLES APPEND .tbl)
 set(XKL_LAPACK_TABLE_NAMES
-    general symmetric triangular orthogonal auxiliary functions matgen deprecated)
+    general symmetric triangular orthogonal auxiliary functions matgen deprecated extensions)
 list(TRANSFORM XKL_LAPACK_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapack/ OUTPUT_VARIABLE XKL_LAPACK_TABLES)
 list(TRANSFORM XKL_LAPACK_TABLES APPEND .tbl)
 set(XKL_MATCOPY_TABLE_NAMES matcopy)

@@ -26,8 +26,8 @@ const std::map<std::string, std::string> storage_types = {
 };
 
 const std::set<std::string> letter_kinds = {
-    "c", "i", "e", "l", "t", "r", "z", "r4", "r8", "z4", "z8", "p",  "info", "j",
-    "q", "v", "C", "I", "L", "T", "R", "Z",  "R4", "R8", "Z4", "Z8", "P",    "Q",
+    "c", "i", "e", "l", "t", "r", "z", "r4", "r8", "z4", "z8", "p", "info", "j", "q",
+    "v", "C", "I", "L", "T", "R", "Z", "R4", "R8", "Z4", "Z8", "P", "N",    "Q",
 };
 
 const std::map<std::string, std::string> results = {
@@ -129,6 +129,8 @@ std::string c_type(const argument &arg, char element)
     if (arg.kind == "P")
         return arg.written ? c_element(arg.kind, element) + " *const *"
                            : "const " + c_element(arg.kind, element) + " *const *";
+    if (arg.kind == "N")
+        return arg.written ? "int64_t *const *" : "const int64_t *const *";
     if (arg.kind == "*handle")
         return arg.written ? "void **" : "void *const *";
     if (arg.kind == "info")
@@ -192,6 +194,8 @@ char trace_kind(const argument &arg, bool group)
         return 'c';
     if (kind == "i" || kind == "l" || kind == "info" || (group && kind == "I"))
         return 'i';
+    if (kind == "=int32_t" || kind == "=int64_t")
+        return 'v';
     return kind == "e" ? 'e' : 'p';
 }
 
@@ -207,7 +211,8 @@ bool is_character(const argument &arg)
 
 bool is_array(const argument &arg)
 {
-    return !is_storage(arg.kind) && !is_verbatim(arg.kind) && !is_scalar(arg.kind) && arg.kind != "P";
+    return !is_storage(arg.kind) && !is_verbatim(arg.kind) && !is_scalar(arg.kind) && arg.kind != "P" &&
+           arg.kind != "N";
 }
 
 std::string value_type(const argument &arg)
@@ -233,7 +238,11 @@ std::string fortran_declaration(const argument &arg, char element, std::string &
             {"*handle", "integer(8)"}};
         return types.at(arg.kind) + intent;
     }
-    if (arg.kind == "P")
+    if (is_verbatim(arg.kind)) {
+        shape.clear();
+        return arg.kind == "=int32_t" ? "integer(4), value :: " : "integer(8), value :: ";
+    }
+    if (arg.kind == "P" || arg.kind == "N")
         return "integer(8), intent(in) :: "; // addresses: what is behind them is written, not they
     switch (kind_letter(arg.kind)) {
     case 'c':

@@ -32,6 +32,7 @@ const std::map<std::string, name_list (*)(const std::string &, const std::string
      [](const std::string &u, const std::string &l) {
          return name_list{l, l + "_", u};
      }},
+    {"single", [](const std::string &, const std::string &l) { return name_list{l}; }},
     {"internal", [](const std::string &u, const std::string &) { return name_list{u}; }},
 };
 
@@ -66,7 +67,7 @@ bool spelling_rule_exists(const std::string &rule)
 
 std::string mixed_body(const routine &row)
 {
-    if (is_valued(row))
+    if (row.is_valued())
         return valued_spelling(row);
     const bool own_body = row.frame.kind == "forward-mixed" || reads_values(row);
     return own_body ? mixed_spelling(row) : "";
@@ -105,9 +106,11 @@ name_list other_spellings(const routine &row)
 
 std::string core_entry(const routine &row)
 {
-    if (row.family != "service")
-        return "xkl_" + row.domain + "_" + row.lower();
     std::string stem = row.lower();
+    if (row.spellings == "lapack" && stem.starts_with("xkl_"))
+        stem.erase(0, 4);
+    if (row.family != "service")
+        return "xkl_" + row.entries + "_" + stem;
     for (const std::string prefix : {"xkl_serv_iface_", "xkl_"})
         if (stem.starts_with(prefix)) {
             stem.erase(0, prefix.size());
@@ -118,22 +121,12 @@ std::string core_entry(const routine &row)
 
 std::string checker(const routine &row)
 {
-    return "xkl_" + row.domain + "_errchk_" + row.lower();
-}
-
-bool is_valued(const routine &row)
-{
-    return row.frame.kind == "valued";
-}
-
-bool has_checker(const routine &row)
-{
-    return row.frame.kind == "checked" || is_valued(row);
+    return "xkl_" + row.entries + "_errchk_" + row.lower();
 }
 
 std::string reported_name(const routine &row)
 {
-    if (is_valued(row))
+    if (row.is_valued())
         return row.lower();
     std::string name = row.name;
     if (name.size() < 6)
@@ -155,7 +148,7 @@ std::string trace_kinds(const routine &row)
 {
     std::string kinds;
     for (const argument &each : all_arguments(row))
-        kinds += trace_kind(each, row.frame.group);
+        kinds += row.frame.option == "addresses" ? 'p' : trace_kind(each, row.frame.group);
     return kinds;
 }
 
@@ -169,7 +162,7 @@ std::string valued_format(const routine &row, bool by_value)
 
 std::string trace_format(const routine &row)
 {
-    if (is_valued(row))
+    if (row.is_valued())
         return valued_format(row, false);
     std::string text = row.name + "(";
     for (const char kind : trace_kinds(row))
@@ -179,7 +172,7 @@ std::string trace_format(const routine &row)
 
 int hidden_lengths(const routine &row)
 {
-    if (is_valued(row))
+    if (row.is_valued())
         return 0;
     return static_cast<int>(std::count_if(row.arguments.begin(), row.arguments.end(), is_character));
 }
@@ -192,7 +185,7 @@ name_list exported_names(const routine &row)
     names.push_back(body_symbol(row));
     if (!mixed_body(row).empty())
         names.push_back(mixed_body(row));
-    if (has_checker(row))
+    if (row.has_checker())
         names.push_back(checker(row));
     return names;
 }

@@ -20,9 +20,6 @@ std::string mixed_body(const routine &row);
 
 std::string core_entry(const routine &row);
 std::string checker(const routine &row);
-bool has_checker(const routine &row);
-/// Two bodies, by address and by value; checker and core take values.
-bool is_valued(const routine &row);
 
 /// The name that a report carries, with its blanks.
 std::string reported_name(const routine &row);

@@ -73,7 +73,7 @@ void print_core_forwards(std::ostream &out, const routines &rows, const std::vec
 {
     out << "#include \"core_" << rows.front().family << ".h\"\n#include \"openblas/forward.h\"\n"
         << "#include \"service/missing_entry.h\"\n";
-    for (const routine &row : rows) {
+    for (const routine &row : with_entries(rows)) {
         const provider *by = provider_of(row, providers);
         if (by && by->by == "own")
             continue;
@@ -153,7 +153,7 @@ recorded_list recorded_list_of(const routine &row)
     recorded_list list;
     for (int i = 0; i < entry_words(row); ++i) {
         std::string type = "int64_t ", name = "a" + std::to_string(i), word = name;
-        if (is_valued(row)) {
+        if (row.is_valued()) {
             const argument &each = row.arguments[static_cast<std::size_t>(i)];
             const std::string value = valued_type(each, row.element);
             const bool real = value == "float " || value == "double ";

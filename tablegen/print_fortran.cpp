@@ -36,8 +36,7 @@ void print_interface(std::ostream &out, const routine &row)
     for (const argument &each : row.arguments) {
         std::string shape;
         const std::string declaration = fortran_declaration(each, row.element, shape);
-        const bool addresses = each.kind == "P";
-        out << "      " << declaration << each.name << (addresses ? "(*)" : shape) << "\n";
+        out << "      " << declaration << each.name << shape << "\n";
     }
     if (function)
         out << "      " << fortran_result(row) << " :: " << row.lower() << "\n";

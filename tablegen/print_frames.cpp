@@ -40,17 +40,17 @@ std::string row_structure(const routine &row)
 
 void print_row(std::ostream &out, const routine &row)
 {
-    if (is_valued(row))
+    if (row.is_valued())
         return print_valued_row(out, row);
     out << "struct " << row_structure(row) << " {\n"
         << "    static constexpr auto &core = " << core_entry(row) << ";\n"
         << "    static constexpr int hidden_lengths = " << hidden_lengths(row) << ";\n"
         << "    static constexpr bool group = " << (row.frame.group ? "true" : "false") << ";\n";
-    if (row.frame.kind != "through")
+    if (row.has_trace())
         out << "    static constexpr char format[] = " << quoted(trace_format(row)) << ";\n"
             << "    static constexpr char kinds[] = " << quoted(trace_kinds(row)) << ";\n"
             << "    static inline constinit xkl::verbose_flag flag{};\n";
-    if (row.frame.kind == "checked") {
+    if (row.has_checker()) {
         const bool sets_info = !row.arguments.empty() && row.arguments.back().kind == "info";
         out << "    static constexpr bool sets_info = " << (sets_info ? "true" : "false") << ";\n"
             << "    static constexpr char reported_name[] = " << quoted(reported_name(row)) << ";\n"
@@ -73,7 +73,7 @@ void print_checker(std::ostream &out, const routine &row)
 /// The one body that all spellings share, behind its checker.
 void print_body(std::ostream &out, const routine &row)
 {
-    if (row.frame.kind == "checked")
+    if (row.has_checker())
         print_checker(out, row);
     out << "extern \"C\" " << c_result(row) << " " << body_symbol(row) << "(" << parameter_list(row)
         << ")\n{\n    return xkl::" << row.frame.kind << "_frame<" << row_structure(row) << ">("
@@ -105,7 +105,7 @@ std::string parameter_list(const routine &row)
 
 std::string visible_parameter_list(const routine &row)
 {
-    if (is_valued(row))
+    if (row.is_valued())
         return valued_parameter_list(row);
     std::string text = parameter_list(row);
     for (int i = hidden_lengths(row) + (row.frame.group ? 1 : 0); i > 0; --i)
@@ -115,7 +115,7 @@ std::string visible_parameter_list(const routine &row)
 
 std::string core_parameter_list(const routine &row, bool named)
 {
-    if (is_valued(row))
+    if (row.is_valued())
         return valued_parameter_list(row, named);
     std::vector<std::string> parts;
     const auto add = [&](const std::string &type, const std::string &name) {
@@ -136,11 +136,13 @@ void print_frames(std::ostream &out, const routines &rows, const std::string &ch
     out << "#include \"" << checks_header << "\"\n#include \"frame/frames.h\"\n#include \""
         << rows.front().family << "_frames.h\"\n";
     for (const routine &row : rows) {
+        if (row.frame.kind == "own")
+            continue;
         out << "\n// " << row.name << ": " << row.place << ", frame `" << row.frame.kind << "` (src/frame/"
             << row.frame.kind << ".h)\nnamespace {\n";
         print_row(out, row);
         out << "}\n";
-        if (is_valued(row))
+        if (row.is_valued())
             print_valued_bodies(out, row);
         else
             print_body(out, row);
@@ -157,7 +159,7 @@ void print_frame_header(std::ostream &out, const routines &rows)
     for (const routine &row : rows) {
         if (body_symbol(row) != public_spellings(row).front())
             out << "decltype(" << row.lower() << ") " << body_symbol(row) << ";\n";
-        if (has_checker(row))
+        if (row.has_checker())
             out << "int64_t " << checker(row) << "(" << core_parameter_list(row) << ");\n";
     }
     out << "}\n";

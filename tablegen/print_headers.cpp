@@ -105,9 +105,10 @@ const char matcopy_text[] =
     "   it is), T (transposed), C (transposed and conjugated) or R (conjugated). rows and cols are the\n"
     "   source's, for the sums those of the result. Sizes, leading dimensions and strides are unsigned\n"
     "   and count elements. A bad argument is reported to xerbla with the routine's lower-case name and\n"
-    "   the argument's place in the list, from 1, and nothing is written; a leading dimension of 0 is\n"
-    "   bad even for an empty matrix. The mixed-case spellings are for C and take values, complex\n"
-    "   scalars by address. The others are for Fortran and read every argument through its address";
+    "   the argument's place in the list, from 1, and nothing is written, but for the cases that stand\n"
+    "   below; a leading dimension of 0 is bad even for an empty matrix. The mixed-case spellings are\n"
+    "   for C and take values, complex scalars by address. The others are for Fortran and read every\n"
+    "   argument through its address";
 const char service_text[] =
     "the library's own controls: version, threads, memory, tracing, reproducible\n"
     "   results, callbacks. Upper- and lower-case spellings are for Fortran and read values through\n"
@@ -129,7 +130,7 @@ void print_c_header(std::ostream &out, const routines &rows, const std::string &
         if (service)
             print_service(out, row);
         else {
-            if (is_valued(row))
+            if (row.is_valued())
                 out << declaration(row, mixed_body(row), valued_parameter_list(row));
             print_spellings(out, row, public_spellings(row));
         }

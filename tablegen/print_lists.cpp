@@ -46,7 +46,7 @@ void print_test_rows(std::ostream &out, const routines &rows)
             kinds += (kinds.empty() ? "" : " ") + each.kind;
         }
         out << "    {\"" << row.name << "\", \"" << body_symbol(row) << "\", \"" << core_entry(row)
-            << "\",\n     \"" << (has_checker(row) ? checker(row) : "") << "\", \"" << row.frame.kind
+            << "\",\n     \"" << (row.has_checker() ? checker(row) : "") << "\", \"" << row.frame.kind
             << "\", " << (row.frame.group ? "true" : "false") << ", \"" << row.result << "\", "
             << row.failed_result << ",\n     \"" << reported_name(row) << "\", \"" << trace_format(row)
             << "\", \"" << trace_kinds(row) << "\",\n     \"" << names << "\", \"" << kinds

@@ -83,9 +83,10 @@ class reader {
   private:
     void directive(const words &columns)
     {
-        static const std::set<std::string> known = {"@family", "@domain", "@spellings", "@arrays"};
+        static const std::set<std::string> known = {"@family", "@entries", "@spellings", "@arrays"};
         if (columns.size() != 2 || !known.contains(columns[0]))
-            fail("a directive is `@family NAME`, `@domain NAME`, `@spellings RULE` or `@arrays written`");
+            fail(
+                "a directive is `@family NAME`, `@entries PREFIX`, `@spellings RULE` or `@arrays written`");
         if (columns[0] == "@spellings" && !spelling_rule_exists(columns[1]))
             fail("there is no spelling rule `" + columns[1] + "` (tablegen/names.cpp has them)");
         settings_[columns[0].substr(1)] = columns[1];
@@ -111,14 +112,15 @@ frame_spec parse_frame(const reader &at, std::string text)
     }
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
-    static const std::set<std::string> known = {"checked", "registered", "traced",        "through",
-                                                "valued",  "forward",    "forward-mixed", "own"};
+    static const std::set<std::string> known = {"checked", "guarded", "registered",    "traced", "through",
+                                                "valued",  "forward", "forward-mixed", "own"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
-                "`; frames are checked, registered, traced, through, valued, forward, forward-mixed, own");
-    const bool checks = frame.kind == "checked" || frame.kind == "valued";
+                "`; frames are checked, guarded, registered, traced, through, valued, forward, "
+                "forward-mixed, own");
+    const bool checks = frame.kind == "checked" || frame.kind == "guarded" || frame.kind == "valued";
     if (checks != !frame.rule.empty() && frame.kind != "forward")
-        at.fail("a checked or valued frame, and no other, names its checks: `checked:gemm`");
+        at.fail("a checked, guarded or valued frame, and no other, names its checks: `checked:gemm`");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
         at.fail("only checked and traced frames have a group form");
     return frame;
@@ -212,7 +214,7 @@ void read_table(const std::string &file, std::vector<routine> &routines)
             for (argument &each : row.arguments)
                 each.written = each.written || is_array(each);
         row.family = family;
-        row.domain = at.has_setting("domain") ? at.setting("domain") : family;
+        row.entries = at.has_setting("entries") ? at.setting("entries") : family;
         row.spellings = at.setting("spellings");
         row.about = at.about();
         row.place = at.place();

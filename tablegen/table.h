@@ -23,10 +23,11 @@ struct argument {
 
 /// What follows the name and the types in a row: `checked-group:gemm_batch/bare`.
 struct frame_spec {
-    std::string kind;   // checked, registered, traced, through, valued, forward, own
+    std::string kind;   // checked, guarded, registered, traced, through, valued, forward, own
     bool group = false; // group batch: one value a group, and a trailing 0 to checker and core
     std::string rule;   // the checker's rule, or the step that a forwarder takes first
-    std::string option; // `bare`: reported without trailing blank; forwarders: the mixed-case name
+    std::string option; // `bare`: reported without trailing blank; `addresses`: the trace prints every
+                        // argument's address; forwarders: the mixed-case name
 };
 
 /// One routine in one type: what the generator prints from.
@@ -39,12 +40,16 @@ struct routine {
     int failed_result = 0; // what a function returns after a failed check
     std::vector<argument> arguments;
     std::string family;    // blas
-    std::string domain;    // of the core's entries and the checkers: the family, unless @domain tells
+    std::string entries;   // what core entries start with, behind xkl_: the family unless a table says
     std::string spellings; // blas, extension, direct, service...
     std::string about;     // one sentence for the public header
     std::string place;     // file:line of the row
 
     std::string lower() const;
+    /// Two bodies, by address and by value; checker and core take values.
+    bool is_valued() const { return frame.kind == "valued"; }
+    bool has_checker() const { return frame.kind == "checked" || frame.kind == "guarded" || is_valued(); }
+    bool has_trace() const { return frame.kind != "through" && frame.kind != "guarded"; }
     bool has_result() const { return result != "-" && result != "first"; }
 };
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frame/checked.h"
+#include "frame/guarded.h"
 #include "frame/registered.h"
 #include "frame/through.h"
 #include "frame/traced.h"

@@ -62,18 +62,19 @@ const void *as_address(T *argument)
         return argument;
 }
 
-/// An argument as the trace line prints it: a character, an integer (0 for a null address), or an address.
-template <char Kind>
-auto printed(const void *address)
+/// An argument as the trace line prints it: a character, an integer (0 for a null address; 'v': passed by
+/// value), or an address.
+template <char Kind, class T>
+auto printed(T argument)
 {
     if constexpr (Kind == 'c')
-        return static_cast<int>(*static_cast<const char *>(address));
-    else if constexpr (Kind == 'i')
-        return static_cast<long long>(address ? *static_cast<const int64_t *>(address) : 0);
-    else if constexpr (Kind == 'e')
-        return static_cast<long long>(address ? *static_cast<const int32_t *>(address) : 0);
+        return static_cast<int>(*argument);
+    else if constexpr (Kind == 'i' || Kind == 'e')
+        return static_cast<long long>(argument ? *argument : 0);
+    else if constexpr (Kind == 'v')
+        return static_cast<long long>(argument);
     else
-        return address;
+        return as_address(argument);
 }
 
 /// Formats and prints a line; what does not fit is cut.
@@ -87,14 +88,14 @@ void print_line(double elapsed, const char *format, V... values)
     xkl_serv_print_verbose_info(elapsed, blas_domain, line);
 }
 
-/// Prints the line of a routine whose arguments are all addresses.
+/// Prints the line of a routine.
 template <class Row, class... A>
 void print_trace_line(const stopwatch &watch, A... arguments)
 {
     const double elapsed = watch.elapsed();
     [&]<std::size_t... I>(std::index_sequence<I...>)
     {
-        print_line(elapsed, Row::format, printed<Row::kinds[I]>(as_address(arguments))...);
+        print_line(elapsed, Row::format, printed<Row::kinds[I]>(arguments)...);
     }
     (std::index_sequence_for<A...>{});
 }

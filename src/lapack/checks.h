@@ -6,3 +6,4 @@
 #include "lapack/checks_eigen.h"
 #include "lapack/checks_factor.h"
 #include "lapack/checks_multiply.h"
+#include "lapack/checks_tridiagonal.h"

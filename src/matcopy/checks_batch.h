@@ -6,14 +6,15 @@
 // from that: its other arguments are tested like any other's.
 #pragma once
 
-#include "matcopy/checks.h"
+#include "matcopy/checks_single.h"
 
 namespace xkl::checks {
 
 struct omatcopy_batch_strided {
     template <class Report>
-    static int64_t refused(Report report, char ordering, char trans, size_t rows, size_t cols, unread,
-                           unread, size_t lda, size_t stridea, unread, size_t ldb, size_t strideb, unread)
+    [[gnu::always_inline]] static int64_t refused(Report report, char ordering, char trans, size_t rows,
+                                                  size_t cols, unread, unread, size_t lda, size_t stridea,
+                                                  unread, size_t ldb, size_t strideb, unread)
     {
         if (stridea == 0)
             return report(8);
@@ -27,8 +28,9 @@ struct omatcopy_batch_strided {
 
 struct imatcopy_batch_strided {
     template <class Report>
-    static int64_t refused(Report report, char ordering, char trans, size_t rows, size_t cols, unread,
-                           unread, size_t lda, size_t ldb, size_t stride, unread)
+    [[gnu::always_inline]] static int64_t refused(Report report, char ordering, char trans, size_t rows,
+                                                  size_t cols, unread, unread, size_t lda, size_t ldb,
+                                                  size_t stride, unread)
     {
         if (stride == 0)
             return report(9);
@@ -40,9 +42,10 @@ struct imatcopy_batch_strided {
 
 struct omatadd_batch_strided {
     template <class Report>
-    static int64_t refused(Report report, char ordering, char transa, char transb, size_t rows, size_t cols,
-                           unread, unread, size_t lda, size_t stridea, unread, unread, size_t ldb,
-                           size_t strideb, unread, size_t ldc, size_t stridec, unread)
+    [[gnu::always_inline]] static int64_t
+    refused(Report report, char ordering, char transa, char transb, size_t rows, size_t cols, unread,
+            unread, size_t lda, size_t stridea, unread, unread, size_t ldb, size_t strideb, unread,
+            size_t ldc, size_t stridec, unread)
     {
         if (stridea == 0)
             return report(9);
@@ -57,8 +60,9 @@ struct omatadd_batch_strided {
 /// Group after group; the first bad argument of the first bad group is reported. Without groups no array is
 /// read: the caller may not have any. Groups without matrices are tested like the others.
 template <class Report>
-int64_t refused_groups(Report report, copy_places at, char ordering, const char *trans, const size_t *rows,
-                       const size_t *cols, const size_t *lda, const size_t *ldb, size_t groups)
+[[gnu::always_inline]] inline int64_t
+refused_groups(Report report, copy_places at, char ordering, const char *trans, const size_t *rows,
+               const size_t *cols, const size_t *lda, const size_t *ldb, size_t groups)
 {
     if (!is_ordering(ordering))
         return report(1);
@@ -70,9 +74,9 @@ int64_t refused_groups(Report report, copy_places at, char ordering, const char 
 
 struct omatcopy_batch {
     template <class Report>
-    static int64_t refused(Report report, char ordering, const char *trans, const size_t *rows,
-                           const size_t *cols, unread, unread, const size_t *lda, unread, const size_t *ldb,
-                           size_t group_count, unread)
+    [[gnu::always_inline]] static int64_t
+    refused(Report report, char ordering, const char *trans, const size_t *rows, const size_t *cols, unread,
+            unread, const size_t *lda, unread, const size_t *ldb, size_t group_count, unread)
     {
         return refused_groups(report, {2, 7, 9}, ordering, trans, rows, cols, lda, ldb, group_count);
     }
@@ -80,9 +84,9 @@ struct omatcopy_batch {
 
 struct imatcopy_batch {
     template <class Report>
-    static int64_t refused(Report report, char ordering, const char *trans, const size_t *rows,
-                           const size_t *cols, unread, unread, const size_t *lda, const size_t *ldb,
-                           size_t group_count, unread)
+    [[gnu::always_inline]] static int64_t
+    refused(Report report, char ordering, const char *trans, const size_t *rows, const size_t *cols, unread,
+            unread, const size_t *lda, const size_t *ldb, size_t group_count, unread)
     {
         return refused_groups(report, {2, 7, 8}, ordering, trans, rows, cols, lda, ldb, group_count);
     }

@@ -6,13 +6,13 @@ struct routine_row {
     const char *body;          // the body's own symbol: xkl_blas__dgemm
     const char *core_entry;    // xkl_blas_dgemm
     const char *checker;       // xkl_blas_errchk_dgemm, or ""
-    const char *frame;         // checked, registered, traced, through
+    const char *frame;         // checked, guarded, registered, traced, through
     bool group;                // a trailing 0 goes to checker and core
     const char *result;        // -, int, logical, char, real, r4, r8, complex, first, pointer
     int failed_result;         // what a function returns after a failed check
     const char *reported_name; // with its blanks
     const char *format;        // of the trace line
-    const char *trace_kinds;   // a letter an argument: c, i, e, p
+    const char *trace_kinds;   // a letter an argument: c, i, e, v, p
     const char *names;         // argument names, blank separated
     const char *kinds;         // argument kinds as the table has them, blank separated
     const char *spellings;     // every other exported spelling, blank separated
