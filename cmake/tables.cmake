@@ -10,6 +10,7 @@ list(TRANSFORM XKL_LAPACK_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapack/ 
 list(TRANSFORM XKL_LAPACK_TABLES APPEND .tbl)
 set(XKL_MATCOPY_TABLE_NAMES matcopy)
 set(XKL_MATCOPY_TABLES ${PROJECT_SOURCE_DIR}/src/matcopy/matcopy.tbl)
+set(XKL_LAPACKE_HELPERS ${PROJECT_SOURCE_DIR}/src/lapacke/helpers.tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 
 # For ./dev, which reads no CMake.
