@@ -36,6 +36,8 @@ commands:
   test-rows, cblas-test-rows  what table-driven tests walk
   vml-core-header  prototypes of the vector math threaders   (--vml, as the rest of this group)
   vml-threaders    the default core's threaders
+  vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
+  vml-kernel-tables  the tables of the kernel library         (--providers)
   show           one routine as it is printed               (--option: its name, in upper case)
   formats        the trace format of every routine
 )";
@@ -93,7 +95,10 @@ void run(const request &asked, std::ostream &out)
     if (rows.empty() && functions.empty())
         throw table_error("no rows: name at least one table behind --tables, or one behind --vml");
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
-    const auto providers = read_providers(asked.providers, rows);
+    const bool of_kernels = asked.command == "vml-kernels" || asked.command == "vml-kernel-tables";
+    const auto kernels =
+        of_kernels ? read_vml_kernels(asked.providers.at(0), functions) : std::vector<vml_kernel>{};
+    const auto providers = of_kernels ? std::vector<provider>{} : read_providers(asked.providers, rows);
     const std::map<std::string, std::function<void()>> commands = {
         {"frames", [&] { print_frames(out, rows, asked.option); }},
         {"frame-header", [&] { print_frame_header(out, rows); }},
@@ -116,6 +121,8 @@ void run(const request &asked, std::ostream &out)
         {"cblas-test-rows", [&] { print_cblas_test_rows(out, shapes); }},
         {"vml-core-header", [&] { print_vml_core_header(out, functions); }},
         {"vml-threaders", [&] { print_vml_threaders(out, functions); }},
+        {"vml-kernels", [&] { print_vml_kernels(out, functions, kernels, asked.option); }},
+        {"vml-kernel-tables", [&] { print_vml_kernel_tables(out, functions, kernels); }},
         {"show", [&] { show(out, rows, asked.option); }},
         {"formats",
          [&] {
