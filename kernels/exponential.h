@@ -30,7 +30,7 @@ struct exp2_function : exponential<R> {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return A == accuracy::high ? sleef::exp2_u10(a) : sleef::exp2_u35(a);
+        return A == accuracy::high ? sleef::exp2_u10(a) : glibc::exp2(a);
     }
 };
 
@@ -48,7 +48,12 @@ struct expm1_function {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return A == accuracy::high ? sleef::expm1_u10(a) : glibc::expm1(a);
+        if constexpr (A != accuracy::high)
+            return glibc::expm1(a);
+        else if constexpr (sizeof(R) == 4)
+            return in_double([](vec<double> x) { return glibc::expm1(x); }, a);
+        else
+            return sleef::expm1_u10(a);
     }
     XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y); }
     status settle(R a, R &y) const { return overflow_or_nan(y, a); }

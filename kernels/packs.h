@@ -5,6 +5,8 @@
 #include "complex.h"
 #include "vector.h"
 
+#include <utility>
+
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
@@ -51,87 +53,23 @@ XKL_HOT V load_register(const T *from)
     return v;
 }
 
-#if defined(__AVX512F__)
-/// Elements 2i, or 2i + 1, of two registers
-template <class R, int Odd>
-XKL_HOT vec<R> every_other(vec<R> low, vec<R> high)
-{
-    if constexpr (sizeof(R) == 8)
-        return __builtin_shufflevector(low, high, Odd, 2 + Odd, 4 + Odd, 6 + Odd, 8 + Odd, 10 + Odd,
-                                       12 + Odd, 14 + Odd);
-    else
-        return __builtin_shufflevector(low, high, Odd, 2 + Odd, 4 + Odd, 6 + Odd, 8 + Odd, 10 + Odd,
-                                       12 + Odd, 14 + Odd, 16 + Odd, 18 + Odd, 20 + Odd, 22 + Odd, 24 + Odd,
-                                       26 + Odd, 28 + Odd, 30 + Odd);
-}
 template <class R>
-XKL_HOT vec<R> merged_low(vec<R> a, vec<R> b)
+using lane_numbers = std::make_integer_sequence<int, lanes<R>>;
+
+/// Elements 0, 2, 4... (Odd = 0) or 1, 3, 5... (Odd = 1) of two registers
+template <int Odd, class V, int... I>
+XKL_HOT V every_other(V low, V high, std::integer_sequence<int, I...>)
 {
-    if constexpr (sizeof(R) == 8)
-        return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
-    else
-        return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+    return __builtin_shufflevector(low, high, (2 * I + Odd)...);
 }
-template <class R>
-XKL_HOT vec<R> merged_high(vec<R> a, vec<R> b)
+
+/// The first (Half = 0) or second half of a and b, one element of each in turn
+template <int Half, class V, int... I>
+XKL_HOT V merged(V a, V b, std::integer_sequence<int, I...>)
 {
-    if constexpr (sizeof(R) == 8)
-        return __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
-    else
-        return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
+    constexpr int count = sizeof...(I);
+    return __builtin_shufflevector(a, b, (Half * count / 2 + I / 2 + I % 2 * count)...);
 }
-#elif defined(__AVX2__)
-template <class R, int Odd>
-XKL_HOT vec<R> every_other(vec<R> low, vec<R> high)
-{
-    if constexpr (sizeof(R) == 8)
-        return __builtin_shufflevector(low, high, Odd, 2 + Odd, 4 + Odd, 6 + Odd);
-    else
-        return __builtin_shufflevector(low, high, Odd, 2 + Odd, 4 + Odd, 6 + Odd, 8 + Odd, 10 + Odd,
-                                       12 + Odd, 14 + Odd);
-}
-template <class R>
-XKL_HOT vec<R> merged_low(vec<R> a, vec<R> b)
-{
-    if constexpr (sizeof(R) == 8)
-        return __builtin_shufflevector(a, b, 0, 4, 1, 5);
-    else
-        return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
-}
-template <class R>
-XKL_HOT vec<R> merged_high(vec<R> a, vec<R> b)
-{
-    if constexpr (sizeof(R) == 8)
-        return __builtin_shufflevector(a, b, 2, 6, 3, 7);
-    else
-        return __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
-}
-#else
-template <class R, int Odd>
-XKL_HOT vec<R> every_other(vec<R> low, vec<R> high)
-{
-    if constexpr (sizeof(R) == 8)
-        return __builtin_shufflevector(low, high, Odd, 2 + Odd);
-    else
-        return __builtin_shufflevector(low, high, Odd, 2 + Odd, 4 + Odd, 6 + Odd);
-}
-template <class R>
-XKL_HOT vec<R> merged_low(vec<R> a, vec<R> b)
-{
-    if constexpr (sizeof(R) == 8)
-        return __builtin_shufflevector(a, b, 0, 2);
-    else
-        return __builtin_shufflevector(a, b, 0, 4, 1, 5);
-}
-template <class R>
-XKL_HOT vec<R> merged_high(vec<R> a, vec<R> b)
-{
-    if constexpr (sizeof(R) == 8)
-        return __builtin_shufflevector(a, b, 1, 3);
-    else
-        return __builtin_shufflevector(a, b, 2, 6, 3, 7);
-}
-#endif
 
 template <class R>
 requires std::is_floating_point_v<R> XKL_HOT vec<R> load(const R *from)
@@ -143,7 +81,7 @@ template <class R>
 XKL_HOT complex_vec<R> load(const complex<R> *from)
 {
     const auto low = load_register<vec<R>>(from), high = load_register<vec<R>>(from + lanes<R> / 2);
-    return {every_other<R, 0>(low, high), every_other<R, 1>(low, high)};
+    return {every_other<0>(low, high, lane_numbers<R>{}), every_other<1>(low, high, lane_numbers<R>{})};
 }
 
 template <class R>
@@ -155,7 +93,8 @@ XKL_HOT void store(R *to, vec<R> v)
 template <class R>
 XKL_HOT void store(complex<R> *to, complex_vec<R> v)
 {
-    const vec<R> low = merged_low<R>(v.re, v.im), high = merged_high<R>(v.re, v.im);
+    const vec<R> low = merged<0>(v.re, v.im, lane_numbers<R>{}),
+                 high = merged<1>(v.re, v.im, lane_numbers<R>{});
     __builtin_memcpy(to, &low, sizeof low);
     __builtin_memcpy(to + lanes<R> / 2, &high, sizeof high);
 }

@@ -59,6 +59,19 @@ XKL_HOT To bits_as(From value)
     return __builtin_bit_cast(To, value);
 }
 
+template <class R>
+struct limits; // what the functions need of std::numeric_limits, as plain numbers
+template <>
+struct limits<double> {
+    static constexpr double smallest = 0x1p-1022, largest = 0x1.fffffffffffffp1023, epsilon = 0x1p-52;
+    static constexpr double infinity = __builtin_inf(), nan = __builtin_nan("");
+};
+template <>
+struct limits<float> {
+    static constexpr float smallest = 0x1p-126f, largest = 0x1.fffffep127f, epsilon = 0x1p-23f;
+    static constexpr float infinity = __builtin_inff(), nan = __builtin_nanf("");
+};
+
 template <class V>
 XKL_HOT V absolute(V x)
 {
@@ -129,6 +142,30 @@ XKL_HOT V multiply_add(V a, V b, V c)
 #endif
 }
 
+/// The nearest integer, ties to even
+template <class V>
+XKL_HOT V nearest(V x)
+{
+    [[maybe_unused]] constexpr bool wide = sizeof(element<V>) == 8;
+    [[maybe_unused]] constexpr int how = _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC;
+#if defined(__AVX512F__)
+    if constexpr (wide)
+        return _mm512_roundscale_pd(x, how);
+    else
+        return _mm512_roundscale_ps(x, how);
+#elif defined(__AVX2__)
+    if constexpr (wide)
+        return _mm256_round_pd(x, how);
+    else
+        return _mm256_round_ps(x, how);
+#else
+    // Adding the power of two at which numbers have no fraction rounds it away; larger numbers are integers.
+    constexpr element<V> no_fraction = 1 / limits<element<V>>::epsilon;
+    const V rounded = (absolute(x) + no_fraction) - no_fraction;
+    return absolute(x) < no_fraction ? with_sign_of(rounded, x) : x;
+#endif
+}
+
 /// One bit for each lane
 template <class M>
 XKL_HOT unsigned lane_bits(M m)
@@ -158,19 +195,6 @@ XKL_HOT bool any(M m)
     return lane_bits(m) != 0;
 }
 
-template <class R>
-struct limits; // what the functions need of std::numeric_limits, as plain numbers
-template <>
-struct limits<double> {
-    static constexpr double smallest = 0x1p-1022, largest = 0x1.fffffffffffffp1023, epsilon = 0x1p-52;
-    static constexpr double infinity = __builtin_inf(), nan = __builtin_nan("");
-};
-template <>
-struct limits<float> {
-    static constexpr float smallest = 0x1p-126f, largest = 0x1.fffffep127f, epsilon = 0x1p-23f;
-    static constexpr float infinity = __builtin_inff(), nan = __builtin_nanf("");
-};
-
 template <class V>
 XKL_HOT auto is_nan(V x)
 {
@@ -195,6 +219,21 @@ template <class V>
 XKL_HOT auto is_tiny(V x)
 {
     return absolute(x) < limits<element<V>>::smallest;
+}
+
+/// f of floats as doubles: twice the registers, but a function of 4 ULP then gives floats that are rounded right but
+/// for one in a hundred million.
+template <class F, class... Vs>
+XKL_HOT vec<float> in_double(const F &f, Vs... x)
+{
+    struct halves {
+        using half [[gnu::vector_size(register_bytes / 2)]] = float;
+        half low, high;
+    };
+    const auto low = f(__builtin_convertvector(bits_as<halves>(x).low, vec<double>)...);
+    const auto high = f(__builtin_convertvector(bits_as<halves>(x).high, vec<double>)...);
+    return bits_as<vec<float>>(halves{__builtin_convertvector(low, typename halves::half),
+                                      __builtin_convertvector(high, typename halves::half)});
 }
 
 } // namespace XKL_ISA
