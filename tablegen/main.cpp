@@ -1,6 +1,7 @@
 // tablegen: reads routine tables and prints one file. Errors are `file:line: message`, exit code 1.
 #include "names.h"
 #include "printers.h"
+#include "vml_printers.h"
 
 #include <algorithm>
 #include <fstream>
@@ -15,7 +16,8 @@ using namespace tablegen;
 namespace {
 
 const char usage[] =
-    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--option TEXT]
+    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--vml FILE]
+                        [--option TEXT]
 commands:
   frames         bodies and checkers under every spelling   (--option: header of the family's checks)
   frame-header   bodies and checkers, declared
@@ -32,12 +34,16 @@ commands:
   null-core, recording-core   cores for measurements and tests
   exports, version-script     exported names                (--shapes, if any)
   test-rows, cblas-test-rows  what table-driven tests walk
+  vml-core-header  prototypes of the vector math threaders   (--vml, as the rest of this group)
+  vml-threaders    the default core's threaders
+  vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
+  vml-kernel-tables  the tables of the kernel library         (--providers)
   show           one routine as it is printed               (--option: its name, in upper case)
   formats        the trace format of every routine
 )";
 
 struct request {
-    std::string command, output, shapes, option;
+    std::string command, output, shapes, vml, option;
     std::vector<std::string> tables, providers;
 };
 
@@ -60,6 +66,8 @@ request parse(int argc, char **argv)
             asked.providers.push_back(word);
         else if (option == "--shapes")
             asked.shapes = word;
+        else if (option == "--vml")
+            asked.vml = word;
         else if (option == "--option")
             asked.option = word;
         else
@@ -83,10 +91,14 @@ void show(std::ostream &out, const routines &rows, const std::string &name)
 void run(const request &asked, std::ostream &out)
 {
     const routines rows = read_tables(asked.tables);
-    if (rows.empty())
-        throw table_error("no rows: name at least one table behind --tables");
+    const auto functions = asked.vml.empty() ? vml_functions{} : read_vml_table(asked.vml);
+    if (rows.empty() && functions.empty())
+        throw table_error("no rows: name at least one table behind --tables, or one behind --vml");
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
-    const auto providers = read_providers(asked.providers, rows);
+    const bool of_kernels = asked.command == "vml-kernels" || asked.command == "vml-kernel-tables";
+    const auto kernels =
+        of_kernels ? read_vml_kernels(asked.providers.at(0), functions) : std::vector<vml_kernel>{};
+    const auto providers = of_kernels ? std::vector<provider>{} : read_providers(asked.providers, rows);
     const std::map<std::string, std::function<void()>> commands = {
         {"frames", [&] { print_frames(out, rows, asked.option); }},
         {"frame-header", [&] { print_frame_header(out, rows); }},
@@ -107,6 +119,10 @@ void run(const request &asked, std::ostream &out)
         {"version-script", [&] { print_version_script(out, rows, shapes); }},
         {"test-rows", [&] { print_test_rows(out, rows); }},
         {"cblas-test-rows", [&] { print_cblas_test_rows(out, shapes); }},
+        {"vml-core-header", [&] { print_vml_core_header(out, functions); }},
+        {"vml-threaders", [&] { print_vml_threaders(out, functions); }},
+        {"vml-kernels", [&] { print_vml_kernels(out, functions, kernels, asked.option); }},
+        {"vml-kernel-tables", [&] { print_vml_kernel_tables(out, functions, kernels); }},
         {"show", [&] { show(out, rows, asked.option); }},
         {"formats",
          [&] {

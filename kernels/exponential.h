@@ -1,0 +1,110 @@
+// Exponentials and logarithms: Exp, Exp2, Exp10, Expm1, Ln, Log2, Log10, Log1p.
+#pragma once
+
+#include "base_library.h"
+#include "elements.h"
+#include "loops.h"
+
+namespace xkl::kernels {
+inline namespace XKL_ISA {
+
+/// Large results overflow, small ones underflow.
+template <class R>
+struct exponential {
+    using V = vec<R>;
+    XKL_HOT auto suspicious(V a, V y) const { return (is_not_finite(y) | is_tiny(y)) & ~is_infinite(a); }
+    status settle(R a, R &y) const { return nan(a) ? fine : tiny(y) ? underflow : overflow; }
+};
+
+template <class R>
+struct exp_function : exponential<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::exp_u10(a) : glibc::exp(a);
+    }
+};
+
+template <class R>
+struct exp2_function : exponential<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::exp2_u10(a) : glibc::exp2(a);
+    }
+};
+
+template <class R>
+struct exp10_function : exponential<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::exp10_u10(a) : sleef::exp10_u35(a);
+    }
+};
+
+template <class R>
+struct expm1_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        if constexpr (A != accuracy::high)
+            return glibc::expm1(a);
+        else if constexpr (sizeof(R) == 4)
+            return in_double([](vec<double> x) { return glibc::expm1(x); }, a);
+        else
+            return sleef::expm1_u10(a);
+    }
+    XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y); }
+    status settle(R a, R &y) const { return overflow_or_nan(y, a); }
+};
+
+/// Arguments below the pole are outside the domain.
+template <class R, int Pole = 0>
+struct logarithm {
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return a <= Pole; }
+    status settle(R a, R &y) const
+    {
+        y = a == Pole ? -limits<R>::infinity : limits<R>::nan;
+        return a == Pole ? singularity : domain_error;
+    }
+};
+
+template <class R>
+struct ln_function : logarithm<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::log_u10(a) : sleef::log_u35(a);
+    }
+};
+
+template <class R>
+struct log2_function : logarithm<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::log2_u10(a) : sleef::log2_u35(a);
+    }
+};
+
+template <class R>
+struct log10_function : logarithm<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::log10_u10(a) : glibc::log10(a);
+    }
+};
+
+template <class R>
+struct log1p_function : logarithm<R, -1> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::log1p_u10(a) : glibc::log1p(a);
+    }
+};
+
+} // namespace XKL_ISA
+} // namespace xkl::kernels

@@ -1,0 +1,47 @@
+// The threaders, their prototypes, and the kernel library's tables.
+#include "vml_printers.h"
+
+#include <ostream>
+#include <set>
+
+namespace tablegen {
+namespace {
+
+/// Functions of one class and type share a threader; this is one form for each.
+std::vector<vml_form> one_form_each_threader(const vml_functions &functions)
+{
+    std::vector<vml_form> chosen;
+    std::set<std::string> seen;
+    for (const vml_form &form : vml_forms(functions))
+        if (form.function->kind != vml_class::pack && seen.insert(vml_threader(form)).second)
+            chosen.push_back(form);
+    return chosen;
+}
+
+std::string threader_prototype(const vml_form &form)
+{
+    return "void " + vml_threader(form) + "(const void *kernel, int32_t count, " +
+           vml_declared(vml_kernel_arguments(form)) + ", void *library, float cost)";
+}
+
+} // namespace
+
+void print_vml_core_header(std::ostream &out, const vml_functions &functions)
+{
+    out << "// The vector math threaders: what the interface library imports from its core.\n"
+        << "#pragma once\n#include \"xkl_types.h\"\n#pragma GCC visibility push(default)\nextern \"C\" {\n";
+    for (const vml_form &form : one_form_each_threader(functions))
+        out << threader_prototype(form) << ";\n";
+    out << "}\n#pragma GCC visibility pop\n";
+}
+
+void print_vml_threaders(std::ostream &out, const vml_functions &functions)
+{
+    out << "#include \"core_vml.h\"\n#include \"vml/threader.h\"\n";
+    for (const vml_form &form : one_form_each_threader(functions))
+        out << "\nextern \"C\" " << threader_prototype(form) << "\n{\n    xkl::core::thread_vector<"
+            << (form.strided ? "true" : "false") << ">(kernel, count, library, cost, "
+            << vml_passed(vml_kernel_arguments(form)) << ");\n}\n";
+}
+
+} // namespace tablegen
