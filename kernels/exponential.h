@@ -8,13 +8,22 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
-/// Large results overflow, small ones underflow.
+/// Large results overflow, small ones underflow, both only for arguments beyond a bound. A test of the argument is done
+/// while the base library computes; one of the result would wait for it.
 template <class R>
 struct exponential {
-    using V = vec<R>;
-    XKL_HOT auto suspicious(V a, V y) const { return (is_not_finite(y) | is_tiny(y)) & ~is_infinite(a); }
-    status settle(R a, R &y) const { return nan(a) ? fine : tiny(y) ? underflow : overflow; }
+    status settle(R a, R &y) const
+    {
+        return infinite(a) ? fine : tiny(y) ? underflow : infinite(y) ? overflow : fine;
+    }
 };
+
+/// The largest bound such that no smaller argument's power overflows or underflows, nearly
+template <class R>
+constexpr R bound_of_powers(double for_double, double for_float)
+{
+    return static_cast<R>(sizeof(R) == 8 ? for_double : for_float);
+}
 
 template <class R>
 struct exp_function : exponential<R> {
@@ -23,6 +32,7 @@ struct exp_function : exponential<R> {
     {
         return A == accuracy::high ? sleef::exp_u10(a) : glibc::exp(a);
     }
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > bound_of_powers<R>(708, 87); }
 };
 
 template <class R>
@@ -32,6 +42,7 @@ struct exp2_function : exponential<R> {
     {
         return A == accuracy::high ? sleef::exp2_u10(a) : glibc::exp2(a);
     }
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > bound_of_powers<R>(1022, 126); }
 };
 
 template <class R>
@@ -41,6 +52,7 @@ struct exp10_function : exponential<R> {
     {
         return A == accuracy::high ? sleef::exp10_u10(a) : sleef::exp10_u35(a);
     }
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > bound_of_powers<R>(307, 37); }
 };
 
 template <class R>
@@ -55,7 +67,7 @@ struct expm1_function {
         else
             return sleef::expm1_u10(a);
     }
-    XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y); }
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return a > bound_of_powers<R>(709, 88); }
     status settle(R a, R &y) const { return overflow_or_nan(y, a); }
 };
 

@@ -24,6 +24,23 @@ std::string threader_prototype(const vml_form &form)
            vml_declared(vml_kernel_arguments(form)) + ", void *library, float cost)";
 }
 
+/// `strided_vector{a, inca}, one_scalar{b}`: every vector with its increment, and told from addresses of scalars
+std::string wrapped_arguments(const vml_form &form)
+{
+    std::string text;
+    for (const vml_argument &each : vml_kernel_arguments(form)) {
+        if (each.is == vml_argument::role::increment) {
+            text.insert(text.size() - 1, ", " + each.name);
+            continue;
+        }
+        const char *wrapper = each.is == vml_argument::role::scalar ? "one_scalar"
+                              : form.strided                        ? "strided_vector"
+                                                                    : "plain_vector";
+        text += (text.empty() ? "" : ", ") + std::string(wrapper) + "{" + each.name + "}";
+    }
+    return text;
+}
+
 } // namespace
 
 void print_vml_core_header(std::ostream &out, const vml_functions &functions)
@@ -37,11 +54,11 @@ void print_vml_core_header(std::ostream &out, const vml_functions &functions)
 
 void print_vml_threaders(std::ostream &out, const vml_functions &functions)
 {
-    out << "#include \"core_vml.h\"\n#include \"vml/threader.h\"\n";
+    out << "#include \"core_vml.h\"\n#include \"vml/threader.h\"\n\nusing namespace xkl::core;\n";
     for (const vml_form &form : one_form_each_threader(functions))
-        out << "\nextern \"C\" " << threader_prototype(form) << "\n{\n    xkl::core::thread_vector<"
-            << (form.strided ? "true" : "false") << ">(kernel, count, library, cost, "
-            << vml_passed(vml_kernel_arguments(form)) << ");\n}\n";
+        out << "\nextern \"C\" " << threader_prototype(form)
+            << "\n{\n    thread_vector(kernel, count, library, cost, " << wrapped_arguments(form)
+            << ");\n}\n";
 }
 
 } // namespace tablegen

@@ -72,7 +72,7 @@ void add_vector(std::vector<vml_argument> &list, bool strided, const std::string
 {
     list.push_back({type, name});
     if (strided)
-        list.push_back({"int64_t ", increment});
+        list.push_back({"int64_t ", increment, vml_argument::role::increment});
 }
 
 /// The third argument of the pack kernels, which says what it is in its last letter.
@@ -80,11 +80,11 @@ vml_argument places(const std::string &function)
 {
     switch (function.back()) {
     case 'I':
-        return {"int64_t ", "increment"};
+        return {"int64_t ", "increment", vml_argument::role::other};
     case 'V':
-        return {"const int64_t *", "index"};
+        return {"const int64_t *", "index", vml_argument::role::other};
     default:
-        return {"const int64_t *", "mask"};
+        return {"const int64_t *", "mask", vml_argument::role::other};
     }
 }
 
@@ -197,10 +197,10 @@ std::vector<vml_argument> vml_kernel_arguments(const vml_form &form)
         add_vector(list, form.strided, out, "r", "incr");
     }
     if (function.kind == scalar) // complex scalars go by address
-        list.push_back({function.is_complex() ? in : own + " ", "scalar"});
+        list.push_back({function.is_complex() ? in : own + " ", "scalar", vml_argument::role::scalar});
     if (function.kind == linear_frac)
         for (const char *name : {"scalea", "shifta", "scaleb", "shiftb"})
-            list.push_back({own + " ", name});
+            list.push_back({own + " ", name, vml_argument::role::scalar});
     return list;
 }
 

@@ -41,7 +41,9 @@ struct vml_form {
 
 /// One argument of a kernel or threader, `type` as C writes it, with its blank: `const double *`.
 struct vml_argument {
+    enum class role { vector, increment, scalar, other };
     std::string type, name;
+    role is = role::vector;
 };
 
 std::vector<vml_function> read_vml_table(const std::string &file);
