@@ -152,9 +152,8 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports", "version-script", "fortran",      "formats",
-        "show",    "c-header",       "cblas-header", "companion-exports",
-        "vml-header", "vml-fortran"};
+        "exports",  "version-script", "fortran",           "formats",    "show",
+        "c-header", "cblas-header",   "companion-exports", "vml-header", "vml-fortran"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

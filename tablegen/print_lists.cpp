@@ -10,7 +10,7 @@ namespace tablegen {
 namespace {
 
 std::set<std::string> all_names(const routines &rows, const std::vector<shaped> &shapes,
-                          const std::set<std::string> &more)
+                                const std::set<std::string> &more)
 {
     std::set<std::string> names = more;
     for (const routine &row : rows)
@@ -24,7 +24,7 @@ std::set<std::string> all_names(const routines &rows, const std::vector<shaped> 
 } // namespace
 
 void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
-                          const std::set<std::string> &more)
+                   const std::set<std::string> &more)
 {
     for (const std::string &name : all_names(rows, shapes, more))
         out << name << "\n";

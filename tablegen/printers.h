@@ -36,7 +36,7 @@ void print_recording_core(std::ostream &out, const routines &rows);
 
 // Lists; `more` are names that no row gives.
 void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
-                          const std::set<std::string> &more);
+                   const std::set<std::string> &more);
 void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
                           const std::set<std::string> &more);
 void print_test_rows(std::ostream &out, const routines &rows);

@@ -42,8 +42,7 @@ const setting_type &type_of(const std::string &kind)
     static const std::map<std::string, setting_type> all = {
         {"status", {"int64_t ", "int32_t ", "int64_t "}},
         {"mode", {"uint64_t ", "uint32_t ", "uint64_t "}},
-        {"callback",
-         {"xkl_vml_error_callback ", "xkl_vml_error_callback ", "xkl_vml_error_callback "}}};
+        {"callback", {"xkl_vml_error_callback ", "xkl_vml_error_callback ", "xkl_vml_error_callback "}}};
     return all.at(kind);
 }
 
@@ -165,9 +164,10 @@ std::vector<vml_setting> read_vml_settings(const std::string &file)
         if (row.argument == "-")
             row.argument.clear();
         if (!complete || !(row.argument.empty() || is_kind(row.argument)) || !is_kind(row.result))
-            throw table_error(file + ":" + std::to_string(number) +
-                              ": a row has the columns name, argument and result; an argument is status, mode, "
-                              "callback or -, a result one of the first three");
+            throw table_error(
+                file + ":" + std::to_string(number) +
+                ": a row has the columns name, argument and result; an argument is status, mode, "
+                "callback or -, a result one of the first three");
         row.about = about;
         settings.push_back(row);
     }

@@ -7,11 +7,11 @@ namespace tablegen {
 
 /// One of the twelve spellings of a form.
 struct vml_entry {
-    std::string name;      // vmdExp_64, VMDEXP_64_
-    std::string body;      // the spelling whose body this one shares; its own name if it has one
-    bool fortran = false;  // everything by address
-    bool in_mode = false;  // with a mode behind the list
-    bool wide = false;     // a _64 spelling
+    std::string name;     // vmdExp_64, VMDEXP_64_
+    std::string body;     // the spelling whose body this one shares; its own name if it has one
+    bool fortran = false; // everything by address
+    bool in_mode = false; // with a mode behind the list
+    bool wide = false;    // a _64 spelling
 };
 
 /// The twelve spellings, each behind the one whose body it shares.

@@ -32,10 +32,10 @@ void print_entry(std::ostream &out, const vml_form &form, const vml_entry &entry
 {
     if (entry.body != entry.name)
         return print_alias(out, entry);
-    out << "void " << entry.name << "(" << vml_declared(vml_entry_arguments(form, entry)) << ")\n{\n    frame"
-        << (entry.wide ? "_64" : "") << (entry.in_mode ? "_in_mode" : "") << "<" << form.name()
-        << "::function_class>(" << form.name() << "::tables, " << (entry.in_mode ? "mode, " : "")
-        << vml_passed(vml_public_arguments(form)) << ");\n}\n";
+    out << "void " << entry.name << "(" << vml_declared(vml_entry_arguments(form, entry))
+        << ")\n{\n    frame" << (entry.wide ? "_64" : "") << (entry.in_mode ? "_in_mode" : "") << "<"
+        << form.name() << "::function_class>(" << form.name() << "::tables, "
+        << (entry.in_mode ? "mode, " : "") << vml_passed(vml_public_arguments(form)) << ");\n}\n";
 }
 
 /// `static_cast<int32_t>(status)`, `*status`, `callback`
@@ -71,8 +71,8 @@ void print_vml_settings(std::ostream &out, const std::vector<vml_setting> &setti
 {
     out << "#include \"vml/settings.h\"\n#include \"xkl_vml.h\"\n";
     for (const vml_setting &setting : settings) {
-        out << "\nstatic constinit xkl::vml::setting<" << vml_setting_operation(setting) << "> " << setting.name
-            << "{\"xkl_vml_kernel_" << setting.name << "\"};\nextern \"C\" {\n";
+        out << "\nstatic constinit xkl::vml::setting<" << vml_setting_operation(setting) << "> "
+            << setting.name << "{\"xkl_vml_kernel_" << setting.name << "\"};\nextern \"C\" {\n";
         for (const vml_entry &entry : vml_setting_entries(setting)) {
             if (entry.body != entry.name)
                 print_alias(out, entry);

@@ -72,7 +72,8 @@ class header_printer {
         const std::vector<vml_entry> entries = vml_entries(form);
         for (const vml_entry &each : entries)
             if (!each.fortran)
-                out_ << "void " << each.name << "(" << vml_declared(vml_entry_arguments(form, each)) << ");\n";
+                out_ << "void " << each.name << "(" << vml_declared(vml_entry_arguments(form, each))
+                     << ");\n";
         for (const bool in_mode : {false, true})
             fortran(form, entries, in_mode);
     }

@@ -22,8 +22,8 @@ void print_recording_pack(std::ostream &out, const vml_form &form, int index)
     std::vector<vml_argument> arguments = vml_kernel_arguments(form);
     arguments.insert(arguments.begin(), {"int64_t ", "n"});
     arguments.push_back({"int ", "last"});
-    out << "static void " << name << "(" << vml_declared(arguments) << ")\n{\n    record(\"" << name << "\", {"
-        << words(arguments) << "});\n}\n";
+    out << "static void " << name << "(" << vml_declared(arguments) << ")\n{\n    record(\"" << name
+        << "\", {" << words(arguments) << "});\n}\n";
 }
 
 } // namespace
@@ -46,9 +46,9 @@ void print_vml_test_rows(std::ostream &out, const vml_functions &functions)
     const std::vector<vml_form> forms = vml_forms(functions);
     out << "#include \"vml_rows.h\"\n\nconst vml_row vml_rows[] = {\n";
     for (const vml_form &form : forms)
-        out << "    {\"" << form.name() << "\", \"" << form.function->name << "\", '" << form.function->element
-            << "', \"" << vml_class_name(form.function->kind) << "\", " << (form.strided ? "true" : "false")
-            << "},\n";
+        out << "    {\"" << form.name() << "\", \"" << form.function->name << "\", '"
+            << form.function->element << "', \"" << vml_class_name(form.function->kind) << "\", "
+            << (form.strided ? "true" : "false") << "},\n";
     out << "};\nconst int vml_row_count = " << forms.size() << ";\n";
 }
 
@@ -56,8 +56,8 @@ void print_vml_recording_core(std::ostream &out, const vml_functions &functions)
 {
     out << "#include \"core_vml.h\"\n#include \"recorder.h\"\n#include \"vml_recorder.h\"\n";
     for (const vml_form &form : vml_one_form_each_threader(functions))
-        out << "\nextern \"C\" " << vml_threader_prototype(form) << "\n{\n    record(\"" << vml_threader(form)
-            << "\", {word(kernel), word(count), " << words(vml_kernel_arguments(form))
+        out << "\nextern \"C\" " << vml_threader_prototype(form) << "\n{\n    record(\""
+            << vml_threader(form) << "\", {word(kernel), word(count), " << words(vml_kernel_arguments(form))
             << ", word(library), word(cost)});\n}\n";
 }
 
@@ -79,13 +79,14 @@ void print_vml_recording_kernels(std::ostream &out, const vml_functions &functio
             const bool pack = form.function->kind == vml_class::pack;
             if (pack)
                 print_recording_pack(out, form, index);
-            codes += (index ? ", " : "") + (pack ? "reinterpret_cast<const void *>(&" + name + "_" : "\"" + name + " ") +
+            codes += (index ? ", " : "") +
+                     (pack ? "reinterpret_cast<const void *>(&" + name + "_" : "\"" + name + " ") +
                      std::to_string(index) + (pack ? ")" : "\"");
             costs += (index ? ", " : "") + std::to_string(3 * serial + index);
         }
-        out << "extern \"C\" {\nextern const void *const " << symbol << "_ttab[3];\nextern const float " << symbol
-            << "_ctab[3];\nconst void *const " << symbol << "_ttab[3] = {" << codes << "};\nconst float " << symbol
-            << "_ctab[3] = {" << costs << "};\n}\n";
+        out << "extern \"C\" {\nextern const void *const " << symbol << "_ttab[3];\nextern const float "
+            << symbol << "_ctab[3];\nconst void *const " << symbol << "_ttab[3] = {" << codes
+            << "};\nconst float " << symbol << "_ctab[3] = {" << costs << "};\n}\n";
         ++serial;
     }
 }

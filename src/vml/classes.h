@@ -33,7 +33,7 @@ struct one_in_one_out {
     static int32_t first_null(const void *a, const void *r) { return !a ? 2 : !r ? 3 : 0; }
 
     template <class In, class Out>
-    static void run(const kernel &by, block part, const In *a, Out *r)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const In *a, Out *r)
     {
         threader(by.code, part.count, a + part.start, r + part.start, by.library, by.cost);
     }
@@ -49,7 +49,8 @@ struct one_in_one_out_strided {
     }
 
     template <class In, class Out, class Step>
-    static void run(const kernel &by, block part, const In *a, Step inca, Out *r, Step incr)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const In *a, Step inca, Out *r,
+                                           Step incr)
     {
         threader(by.code, part.count, a + part.start, as<int64_t>(inca), r + part.start, as<int64_t>(incr),
                  by.library, by.cost);
@@ -65,7 +66,7 @@ struct two_in_one_out {
     }
 
     template <class T>
-    static void run(const kernel &by, block part, const T *a, const T *b, T *r)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *a, const T *b, T *r)
     {
         threader(by.code, part.count, a + part.start, b + part.start, r + part.start, by.library, by.cost);
     }
@@ -81,7 +82,8 @@ struct two_in_one_out_strided {
     }
 
     template <class T, class Step>
-    static void run(const kernel &by, block part, const T *a, Step inca, const T *b, Step incb, T *r, Step incr)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *a, Step inca, const T *b,
+                                           Step incb, T *r, Step incr)
     {
         threader(by.code, part.count, a + part.start, as<int64_t>(inca), b + part.start, as<int64_t>(incb),
                  r + part.start, as<int64_t>(incr), by.library, by.cost);
@@ -97,9 +99,10 @@ struct one_in_two_out {
     }
 
     template <class T>
-    static void run(const kernel &by, block part, const T *a, T *r1, T *r2)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *a, T *r1, T *r2)
     {
-        threader(by.code, part.count, a + part.start, r1 + part.start, r2 + part.start, by.library, by.cost);
+        threader(by.code, part.count, a + part.start, r1 + part.start, r2 + part.start, by.library,
+                 by.cost);
     }
 };
 
@@ -113,7 +116,8 @@ struct one_in_two_out_strided {
     }
 
     template <class T, class Step>
-    static void run(const kernel &by, block part, const T *a, Step inca, T *r1, Step inc1, T *r2, Step inc2)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *a, Step inca, T *r1,
+                                           Step inc1, T *r2, Step inc2)
     {
         threader(by.code, part.count, a + part.start, as<int64_t>(inca), r1 + part.start, as<int64_t>(inc1),
                  r2 + part.start, as<int64_t>(inc2), by.library, by.cost);
@@ -134,9 +138,10 @@ struct scalar {
     }
 
     template <class T, class Scalar>
-    static void run(const kernel &by, block part, const T *a, Scalar b, T *r)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *a, Scalar b, T *r)
     {
-        threader(by.code, part.count, a + part.start, r + part.start, as<scalar_of<T>>(b), by.library, by.cost);
+        threader(by.code, part.count, a + part.start, r + part.start, as<scalar_of<T>>(b), by.library,
+                 by.cost);
     }
 };
 
@@ -150,7 +155,8 @@ struct scalar_strided {
     }
 
     template <class T, class Step, class Scalar>
-    static void run(const kernel &by, block part, const T *a, Step inca, Scalar b, T *r, Step incr)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *a, Step inca, Scalar b,
+                                           T *r, Step incr)
     {
         threader(by.code, part.count, a + part.start, as<int64_t>(inca), r + part.start, as<int64_t>(incr),
                  as<scalar_of<T>>(b), by.library, by.cost);
@@ -169,8 +175,8 @@ struct linear_frac {
     }
 
     template <class T, class Scalar>
-    static void run(const kernel &by, block part, const T *a, const T *b, Scalar scalea, Scalar shifta,
-                    Scalar scaleb, Scalar shiftb, T *r)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *a, const T *b,
+                                           Scalar scalea, Scalar shifta, Scalar scaleb, Scalar shiftb, T *r)
     {
         threader(by.code, part.count, a + part.start, b + part.start, r + part.start, as<T>(scalea),
                  as<T>(shifta), as<T>(scaleb), as<T>(shiftb), by.library, by.cost);
@@ -190,12 +196,13 @@ struct linear_frac_strided {
     }
 
     template <class T, class Step, class Scalar>
-    static void run(const kernel &by, block part, const T *a, Step inca, const T *b, Step incb, Scalar scalea,
-                    Scalar shifta, Scalar scaleb, Scalar shiftb, T *r, Step incr)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *a, Step inca, const T *b,
+                                           Step incb, Scalar scalea, Scalar shifta, Scalar scaleb,
+                                           Scalar shiftb, T *r, Step incr)
     {
         threader(by.code, part.count, a + part.start, as<int64_t>(inca), b + part.start, as<int64_t>(incb),
-                 r + part.start, as<int64_t>(incr), as<T>(scalea), as<T>(shifta), as<T>(scaleb), as<T>(shiftb),
-                 by.library, by.cost);
+                 r + part.start, as<int64_t>(incr), as<T>(scalea), as<T>(shifta), as<T>(scaleb),
+                 as<T>(shiftb), by.library, by.cost);
     }
 };
 
@@ -210,7 +217,8 @@ struct direct {
     }
 
     template <class T>
-    static void call(const kernel &by, block part, const T *source, Places places, T *destination)
+    [[gnu::always_inline]] static void call(const kernel &by, block part, const T *source, Places places,
+                                            T *destination)
     {
         using direct_kernel = void(int64_t n, const T *source, Places, T *destination, int32_t);
         constexpr int32_t as_kernels_expect = 2;
@@ -223,7 +231,8 @@ struct direct {
 template <class Places>
 struct pack : direct<Places> {
     template <class T, class Given>
-    static void run(const kernel &by, block part, const T *source, Given places, T *destination)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *source, Given places,
+                                           T *destination)
     {
         direct<Places>::call(by, part, source, as<Places>(places), destination);
     }
@@ -233,7 +242,8 @@ struct pack : direct<Places> {
 template <class Places>
 struct unpack : direct<Places> {
     template <class T, class Given>
-    static void run(const kernel &by, block part, const T *source, T *destination, Given places)
+    [[gnu::always_inline]] static void run(const kernel &by, block part, const T *source, T *destination,
+                                           Given places)
     {
         direct<Places>::call(by, part, source, as<Places>(places), destination);
     }

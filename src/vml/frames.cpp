@@ -53,7 +53,8 @@ class symbol {
         ttab.store(static_cast<const kernel_code *>(symbol(function, "_ttab").address()),
                    std::memory_order_relaxed);
     if (!ctab.load(std::memory_order_relaxed))
-        ctab.store(static_cast<const float *>(symbol(function, "_ctab").address()), std::memory_order_relaxed);
+        ctab.store(static_cast<const float *>(symbol(function, "_ctab").address()),
+                   std::memory_order_relaxed);
 }
 
 [[gnu::cold]] index_of_class *kernel_tables::fetch_index() const

@@ -51,8 +51,8 @@ template <class Class, class Length, class... A>
         if (index != Class::full_accuracy_index)
             set_status(VML_STATUS_ACCURACYWARNING);
     int64_t left = as<int64_t>(n);
-    for (int64_t start = 0; left > longest; start += longest, left -= longest) [[unlikely]]
-        Class::run(tables.at(index), {as<int64_t>(n), start, longest}, arguments...);
+    for (int64_t start = 0; left > longest; start += longest, left -= longest)
+        [[unlikely]] Class::run(tables.at(index), {as<int64_t>(n), start, longest}, arguments...);
     Class::run(tables.at(index), {as<int64_t>(n), as<int64_t>(n) - left, static_cast<int32_t>(left)},
                arguments...);
 }

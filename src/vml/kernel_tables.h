@@ -25,20 +25,20 @@ struct kernel {
 
 /// What the entry points of one function share.
 struct kernel_tables {
-    fetched<const kernel_code> &ttab;    // xkl_vml_kernel_dExp_ttab
-    fetched<const float> &ctab;          // xkl_vml_kernel_dExp_ctab
-    fetched<index_of_class> &func_adr1;  // xkl_vml_kernel_GetTTableIndex, of this table alone
-    char name[16];                       // vdExp: what is reported
-    char name_64[19];                    // vdExp_64: what a bad size is reported with behind a _64 spelling
+    fetched<const kernel_code> &ttab;   // xkl_vml_kernel_dExp_ttab
+    fetched<const float> &ctab;         // xkl_vml_kernel_dExp_ctab
+    fetched<index_of_class> &func_adr1; // xkl_vml_kernel_GetTTableIndex, of this table alone
+    char name[16];                      // vdExp: what is reported
+    char name_64[19];                   // vdExp_64: what a bad size is reported with behind a _64 spelling
 
-    void fetch() const
+    [[gnu::always_inline]] void fetch() const
     {
         if (!ttab.load(std::memory_order_relaxed) || !ctab.load(std::memory_order_relaxed)) [[unlikely]]
             fetch_tables();
     }
 
     /// The index of the running processor's kernels in all tables.
-    int64_t index() const
+    [[gnu::always_inline]] int64_t index() const
     {
         index_of_class *entry = func_adr1.load(std::memory_order_relaxed);
         if (!entry) [[unlikely]]
@@ -46,9 +46,10 @@ struct kernel_tables {
         return entry(xkl_vml_serv_cpu_detect());
     }
 
-    kernel at(int64_t index) const
+    [[gnu::always_inline]] kernel at(int64_t index) const
     {
-        return {ttab.load(std::memory_order_relaxed)[index], xkl_vml_serv_get_dll_handle(),
+        void *const library = xkl_vml_serv_get_dll_handle();
+        return {ttab.load(std::memory_order_relaxed)[index], library,
                 ctab.load(std::memory_order_relaxed)[index]};
     }
 
