@@ -23,7 +23,8 @@ const char header_text[] =
  *
  * A negative n, or a null pointer among the vectors when n > 0, is reported to xerbla with the routine's name and the
  * argument's place in the C list, from 1, and leaves the status VML_STATUS_BADSIZE or VML_STATUS_BADMEM; nothing is then
- * computed. n = 0 does nothing. An element outside a function's domain leaves a status too, as the mode says.
+ * computed. The Pack and Unpack functions check n alone; their increments, indices and masks are 64-bit integers. n = 0 does
+ * nothing. An element outside a function's domain leaves a status too, as the mode says.
  *
  * Accuracy, if nothing else is said: at most 1 ULP in the mode VML_HA, 4 ULP in VML_LA, half of the digits in VML_EP. A NaN
  * as an argument gives a NaN and no status. Domains and special values stand beside the functions: "domain" is

@@ -65,5 +65,26 @@ expect_provider '`other:axpy` is no provider' '?AXPY S other:axpy'
 expect_provider 'lists its types' '?AXPY S openblas:saxpy'
 expect_provider 'no table has the routine `CAXPY`' '?AXPY S,C own:axpy'
 
+# expect_vml MESSAGE ROW, and the same for an operation on mode and status
+expect_vml() {
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" vml-frames --option d --vml "$scratch/wrong.tbl"
+}
+expect_setting() {
+    printf 'Exp d 1i_1o\n' >"$scratch/right.tbl"
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" vml-settings --vml "$scratch/right.tbl" --settings "$scratch/wrong.tbl"
+}
+
+expect_vml 'a row has the columns name, types and class' 'Exp d'
+expect_vml 'unknown class `3i_1o`' 'Exp d 3i_1o'
+expect_vml '`q` is no type' 'Exp d,q 1i_1o'
+expect_vml 'has no functions of type d' 'Arg d to_real'
+expect_vml 'stands in' 'Exp d 1i_1o
+Exp s,d 1i_1o'
+expect_setting 'a row has the columns' 'SetMode mode'
+expect_setting 'a row has the columns' 'SetMode mode -'
+expect_setting 'a row has the columns' 'SetMode integer mode'
+
 echo "$count wrong rows"
 exit $failed
