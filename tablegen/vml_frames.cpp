@@ -1,4 +1,5 @@
-// The interface library's side of vector math: tables, entry points, and the operations on mode, status and callback.
+// The interface library's side of vector math: tables, entry points, and the operations on mode, status
+// and callback.
 #include "vml_printers.h"
 
 #include <ostream>

@@ -11,27 +11,31 @@ namespace {
 const char header_text[] =
     R"(/* xkl_vml.h: mathematical functions of vectors, element by element.
  *
- * vdExp(n, a, r) computes r[i] = exp(a[i]) for i = 0 to n-1; the letter behind v is the type: s float, d double, c and z
- * their complex pairs. A function whose name ends in I has an increment behind each vector: element i is a[i*inca]. Up to
- * 2^31-1 elements an increment may be anything; longer vectors are computed in blocks of 2^31-1 elements, which start at
- * that multiple of an element whatever the increment. Results may overwrite an argument in place (r == a); vectors
- * that overlap otherwise give undefined results.
+ * vdExp(n, a, r) computes r[i] = exp(a[i]) for i = 0 to n-1; the letter behind v is the type: s float, d
+ * double, c and z their complex pairs. A function whose name ends in I has an increment behind each
+ * vector: element i is a[i*inca]. Up to 2^31-1 elements an increment may be anything; longer vectors are
+ * computed in blocks of 2^31-1 elements, which start at that multiple of an element whatever the
+ * increment. Results may overwrite an argument in place (r == a); vectors that overlap otherwise give
+ * undefined results.
  *
- * vmdExp takes a mode (accuracy, treatment of errors; xkl_vml_types.h) for this call alone; the others follow the calling
- * thread's mode, which vmlSetMode sets. The _64 spellings are the same routines. The spellings that end in _ are for
- * Fortran and read every argument through its address. Complex scalars go by address in both languages.
+ * vmdExp takes a mode (accuracy, treatment of errors; xkl_vml_types.h) for this call alone; the others
+ * follow the calling thread's mode, which vmlSetMode sets. The _64 spellings are the same routines. The
+ * spellings that end in _ are for Fortran and read every argument through its address. Complex scalars go
+ * by address in both languages.
  *
- * A negative n, or a null pointer among the vectors when n > 0, is reported to xerbla with the routine's name and the
- * argument's place in the C list, from 1, and leaves the status VML_STATUS_BADSIZE or VML_STATUS_BADMEM; nothing is then
- * computed. The Pack and Unpack functions check n alone; their increments, indices and masks are 64-bit integers. n = 0 does
- * nothing. An element outside a function's domain leaves a status too, as the mode says.
+ * A negative n, or a null pointer among the vectors when n > 0, is reported to xerbla with the routine's
+ * name and the argument's place in the C list, from 1, and leaves the status VML_STATUS_BADSIZE or
+ * VML_STATUS_BADMEM; nothing is then computed. The Pack and Unpack functions check n alone; their
+ * increments, indices and masks are 64-bit integers. n = 0 does nothing. An element outside a function's
+ * domain leaves a status too, as the mode says.
  *
- * Accuracy, if nothing else is said: at most 1 ULP in the mode VML_HA, 4 ULP in VML_LA, half of the digits in VML_EP. A NaN
- * as an argument gives a NaN and no status. Domains and special values stand beside the functions: "domain" is
- * where no status is left; ERRDOM, SING, OVERFLOW and UNDERFLOW are the VML_STATUS_ values of the elements that they follow.
+ * How accurate a result is follows from the mode, see VML_HA, VML_LA and VML_EP. A NaN as an argument gives
+ * a NaN and no status, if nothing else is said. Domains and special values stand beside the functions:
+ * "domain" is where no status is left; ERRDOM, SING, OVERFLOW and UNDERFLOW are the VML_STATUS_ values of
+ * the elements that they stand with.
  *
- * The first call that computes opens the kernel library. Where that or one of its kernels is missing, a message says so and
- * the process ends with code 2. */
+ * The first call that computes opens the kernel library. Where that or one of its kernels is missing, a
+ * message says so and the process ends with code 2. */
 #ifndef XKL_VML_H
 #define XKL_VML_H
 

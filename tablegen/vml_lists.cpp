@@ -1,5 +1,5 @@
-// Exported names of vector math, and what its tests and measurements stand on: rows to walk, a core whose threaders
-// record or do nothing, and a kernel library whose kernels are marks.
+// Exported names of vector math, and what its tests and measurements stand on: rows to walk, a core whose
+// threaders record or do nothing, and a kernel library whose kernels are marks.
 #include "vml_printers.h"
 
 #include <ostream>

@@ -1,8 +1,9 @@
-// The classes of vector math functions: for each argument list which null pointer is reported, by its place in the
-// list from 1, and how a block of the vectors reaches the core's threader. Increments are not checked.
+// The classes of vector math functions: for each argument list which null pointer is reported, by its
+// place in the list from 1, and how a block of the vectors reaches the core's threader. Increments are
+// not checked.
 //
-// C passes integers and real scalars by value, Fortran all by address; complex scalars always go by address. `as` reads
-// either, when the value is needed and not before: a refused call reads none.
+// C passes integers and real scalars by value, Fortran all by address; complex scalars always go by
+// address. `as` reads either, when the value is needed and not before: a refused call reads none.
 #pragma once
 
 #include "vml/kernel_tables.h"
@@ -206,8 +207,8 @@ struct linear_frac_strided {
     }
 };
 
-/// What the pack functions share: no pointer is checked, and the kernel is called without a threader, for every block with
-/// the whole vectors. `Places` is an increment, or the address of indices or of a mask.
+/// What the pack functions share: no pointer is checked, and the kernel is called without a threader, for
+/// every block with the whole vectors. `Places` is an increment, or the address of indices or of a mask.
 template <class Places>
 struct direct {
     template <class... A>

@@ -1,5 +1,6 @@
-// The frame of vector math: checks, the kernel library and its tables, the mode for the length of the call, and the
-// vector in blocks to the core's threader. What differs between functions is their class (classes.h).
+// The frame of vector math: checks, the kernel library and its tables, the mode for the length of the
+// call, and the vector in blocks to the core's threader. What differs between functions is their class
+// (classes.h).
 //
 // A frame is a function of its own for each class, type and way of passing arguments; the entry points only
 // name their tables and jump to it.
@@ -40,8 +41,8 @@ template <class Class, class Length, class... A>
     tables.fetch();
 }
 
-/// Kernels count in 32 bits, so longer vectors go in blocks. Pointers advance by a block's elements in all forms: a
-/// strided vector's blocks overlap therefore, and that is how callers know it.
+/// Kernels count in 32 bits, so longer vectors go in blocks. Pointers advance by a block's elements in
+/// all forms: a strided vector's blocks overlap therefore, and that is how callers know it.
 template <class Class, class Length, class... A>
 [[gnu::always_inline]] inline void run_blocks(const kernel_tables &tables, Length n, A... arguments)
 {

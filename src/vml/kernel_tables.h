@@ -1,5 +1,5 @@
-// The kernel tables of one function: fetched by name at the first use of any of its twelve entry points, and kept
-// for the life of the process.
+// The kernel tables of one function: fetched by name at the first use of any of its twelve entry points,
+// and kept for the life of the process.
 #pragma once
 
 #include "vml/loader.h"
@@ -8,8 +8,8 @@
 
 namespace xkl::vml {
 
-/// An address in the kernel library, null until it is fetched. Racing first callers store the same value, so
-/// nothing is guarded.
+/// An address in the kernel library, null until it is fetched. Racing first callers store the same value,
+/// so nothing is guarded.
 template <class T>
 using fetched = std::atomic<T *>;
 

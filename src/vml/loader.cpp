@@ -17,16 +17,16 @@ enum message : int {
     no_kernel = 772, // argument: the symbol
 };
 
-// Written by the first caller, null until then. Racing first callers store the same value: the core opens the
-// library once, however often it is asked.
+// Written by the first caller, null until then. Racing first callers store the same value: the core opens
+// the library once, however often it is asked.
 constinit std::atomic<void *> vml_dll_handle{nullptr};
 
 constexpr size_t directory_size = 4096;
 // The working directory at load, with a slash behind it. Written once, by the constructor below.
 char DispLibCWD[directory_size];
 
-/// There is no way to go on without a kernel: the caller is about to jump to it. So the process ends even where the
-/// program has set a handler and that one returns.
+/// There is no way to go on without a kernel: the caller is about to jump to it. So the process ends even
+/// where the program has set a handler and that one returns.
 [[noreturn]] void end_process()
 {
     constexpr int code = 2;
@@ -71,8 +71,8 @@ int32_t unmapped(int32_t code)
     return found;
 }
 
-/// A cache of its own for each way to read the core's code. Written by racing first callers, with the same value
-/// as long as the environment does not change; -1 until then.
+/// A cache of its own for each way to read the core's code. Written by racing first callers, with the
+/// same value as long as the environment does not change; -1 until then.
 template <int32_t (*class_of)(int32_t)>
 [[gnu::always_inline]] inline int32_t cached_class()
 {
@@ -126,8 +126,8 @@ int32_t xkl_vml_serv_cpu_detect_legacy(void)
     return cached_class<unmapped>();
 }
 
-// The one constructor of this library: whoever may not read the working directory learns it at once, not at the
-// first computation.
+// The one constructor of this library: whoever may not read the working directory learns it at once, not
+// at the first computation.
 [[gnu::constructor]] void _Init_XKL_Loader(void)
 {
     Dl_info self{};

@@ -1,5 +1,6 @@
-// The kernel library as this library sees it: the core chooses and opens it, here it is asked for symbols by name.
-// Nothing is opened before the first call that computes or asks for a mode or status, and nothing is ever given back.
+// The kernel library as this library sees it: the core chooses and opens it, here it is asked for symbols
+// by name. Nothing is opened before the first call that computes or asks for a mode or status, and
+// nothing is ever given back.
 #pragma once
 
 #include "xkl_types.h"

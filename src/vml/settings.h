@@ -1,5 +1,6 @@
-// Mode, status and callback: operations of the kernel library, whose entries are fetched by name at the first use.
-// The entry points are printed from settings.tbl; they read the argument and widen the result as their spelling asks.
+// Mode, status and callback: operations of the kernel library, whose entries are fetched by name at the
+// first use. The entry points are printed from settings.tbl; they read the argument and widen the result
+// as their spelling asks.
 #pragma once
 
 #include "vml/kernel_tables.h"

@@ -42,7 +42,8 @@ constexpr std::size_t most_words = 14;
 template <std::size_t>
 using word_at = int64_t;
 
-/// Integers and reals travel apart, so their places among each other don't matter; unused ones are not looked at.
+/// Integers and reals travel apart, so their places among each other don't matter; unused ones are not
+/// looked at.
 template <class Real, std::size_t... I>
 void call(void *routine, const std::array<int64_t, most_words> &words, const std::vector<Real> &reals,
           std::index_sequence<I...>)

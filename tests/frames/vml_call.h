@@ -1,5 +1,5 @@
-// Any entry point of vector math, called by its name with arguments that tell which is which. The argument lists are
-// written here once more, apart from the generator's.
+// Any entry point of vector math, called by its name with arguments that tell which is which. The
+// argument lists are written here once more, apart from the generator's.
 #pragma once
 
 #include "recorder.h"

@@ -1,5 +1,5 @@
-// The recording kernel library: every operation is recorded. Its tables are generated; their kernels are marks, but for
-// those that are called directly.
+// The recording kernel library: every operation is recorded. Its tables are generated; their kernels are
+// marks, but for those that are called directly.
 #include "vml_recorder.h"
 
 #include <utility>

@@ -1,4 +1,5 @@
-// Vector math's side of the recording core and of its kernel library: what these answer, and what was asked of them.
+// Vector math's side of the recording core and of its kernel library: what these answer, and what was
+// asked of them.
 #pragma once
 
 #include "recorder.h"
