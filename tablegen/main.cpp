@@ -38,6 +38,7 @@ commands:
   vml-threaders    the default core's threaders
   vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
   vml-kernel-tables  the tables of the kernel library         (--providers)
+  vml-kernel-rows  what tests of the kernels walk            (--providers)
   show           one routine as it is printed               (--option: its name, in upper case)
   formats        the trace format of every routine
 )";
@@ -95,7 +96,7 @@ void run(const request &asked, std::ostream &out)
     if (rows.empty() && functions.empty())
         throw table_error("no rows: name at least one table behind --tables, or one behind --vml");
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
-    const bool of_kernels = asked.command == "vml-kernels" || asked.command == "vml-kernel-tables";
+    const bool of_kernels = asked.command.starts_with("vml-kernel");
     const auto kernels =
         of_kernels ? read_vml_kernels(asked.providers.at(0), functions) : std::vector<vml_kernel>{};
     const auto providers = of_kernels ? std::vector<provider>{} : read_providers(asked.providers, rows);
@@ -122,6 +123,7 @@ void run(const request &asked, std::ostream &out)
         {"vml-core-header", [&] { print_vml_core_header(out, functions); }},
         {"vml-threaders", [&] { print_vml_threaders(out, functions); }},
         {"vml-kernels", [&] { print_vml_kernels(out, functions, kernels, asked.option); }},
+        {"vml-kernel-rows", [&] { print_vml_kernel_rows(out, functions, kernels); }},
         {"vml-kernel-tables", [&] { print_vml_kernel_tables(out, functions, kernels); }},
         {"show", [&] { show(out, rows, asked.option); }},
         {"formats",

@@ -20,5 +20,8 @@ void print_vml_kernels(std::ostream &out, const vml_functions &functions,
 /// The kernel library's tables.
 void print_vml_kernel_tables(std::ostream &out, const vml_functions &functions,
                              const std::vector<vml_kernel> &kernels);
+/// What tests of the kernels walk: every form that has a kernel.
+void print_vml_kernel_rows(std::ostream &out, const vml_functions &functions,
+                           const std::vector<vml_kernel> &kernels);
 
 } // namespace tablegen
