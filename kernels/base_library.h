@@ -45,16 +45,6 @@ inline namespace XKL_ISA {
     {                                                                                                      \
         return XKL_SLEEF_F(name, bound)(x, y);                                                             \
     }
-#define XKL_SLEEF_FLOAT_1(name, bound)                                                                     \
-    XKL_HOT vec<float> name##_##bound(vec<float> x)                                                        \
-    {                                                                                                      \
-        return XKL_SLEEF_F(name, bound)(x);                                                                \
-    }
-#define XKL_SLEEF_FLOAT_2(name, bound)                                                                     \
-    XKL_HOT vec<float> name##_##bound(vec<float> x, vec<float> y)                                          \
-    {                                                                                                      \
-        return XKL_SLEEF_F(name, bound)(x, y);                                                             \
-    }
 #define XKL_SLEEF_PAIR(name, bound)                                                                        \
     XKL_HOT auto name##_##bound(vec<double> x)                                                             \
     {                                                                                                      \
@@ -114,9 +104,6 @@ XKL_SLEEF_1(exp10, u35)
 XKL_SLEEF_1(exp2, u10)
 XKL_SLEEF_1(exp2, u35)
 XKL_SLEEF_1(expm1, u10)
-XKL_SLEEF_FLOAT_1(fastcos, u3500)
-XKL_SLEEF_FLOAT_2(fastpow, u3500)
-XKL_SLEEF_FLOAT_1(fastsin, u3500)
 XKL_SLEEF_2(hypot, u05)
 XKL_SLEEF_2(hypot, u35)
 XKL_SLEEF_1(lgamma, u10)
@@ -174,8 +161,6 @@ XKL_GLIBC_1(tanh)
 
 #undef XKL_SLEEF_1
 #undef XKL_SLEEF_2
-#undef XKL_SLEEF_FLOAT_1
-#undef XKL_SLEEF_FLOAT_2
 #undef XKL_SLEEF_PAIR
 #undef XKL_GLIBC_1
 #undef XKL_GLIBC_2

@@ -33,11 +33,12 @@ struct erfc_function {
         else
             return sleef::erfc_u15(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return is_tiny(y) & ~is_infinite(a); }
+    // The base library loses digits before its results become denormal.
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return a > (sizeof(R) == 8 ? R(26) : R(9)); }
     status settle(R a, R &y) const
     {
-        y = static_cast<R>(__builtin_erfc(a));
-        return underflow;
+        y = static_cast<R>(__builtin_erfcl(a));
+        return tiny(y) && !infinite(a) ? underflow : fine;
     }
 };
 
@@ -48,11 +49,15 @@ struct lgamma_function {
     {
         return sleef::lgamma_u10(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return is_not_finite(y) & ~is_nan(a); }
+    // Near its zeros below 0 the base library loses all digits.
+    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const
+    {
+        return (is_not_finite(y) | ((a < 0) & (absolute(y) < R(.25)))) & ~is_nan(a);
+    }
     status settle(R a, R &y) const
     {
         int sign; // the C library keeps it in a variable that all threads share, otherwise
-        y = static_cast<R>(__builtin_lgamma_r(a, &sign));
+        y = static_cast<R>(__builtin_lgammal_r(a, &sign));
         if (infinite(a))
             return fine;
         return a <= 0 && infinite(y) ? singularity : overflow_or_nan(y, a);
@@ -68,11 +73,12 @@ struct tgamma_function {
     }
     XKL_HOT auto suspicious(vec<R> a, vec<R> y) const
     {
-        return (is_not_finite(y) | is_tiny(y)) & ~is_nan(a);
+        constexpr R small = sizeof(R) == 8 ? R(1e-290) : R(1e-30); // where the base library loses digits
+        return (is_not_finite(y) | (absolute(y) < small)) & ~is_nan(a);
     }
     status settle(R a, R &y) const
     {
-        y = static_cast<R>(__builtin_tgamma(a));
+        y = static_cast<R>(__builtin_tgammal(a));
         if (a == 0)
             return singularity;
         if (tiny(y))

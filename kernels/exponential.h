@@ -87,7 +87,11 @@ struct ln_function : logarithm<R> {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return A == accuracy::high ? sleef::log_u10(a) : sleef::log_u35(a);
+        constexpr bool faster_in_glibc = sizeof(R) == 8 && register_bytes < 64;
+        if constexpr (A == accuracy::high)
+            return sleef::log_u10(a);
+        else
+            return faster_in_glibc ? glibc::log(a) : sleef::log_u35(a);
     }
 };
 
@@ -96,7 +100,7 @@ struct log2_function : logarithm<R> {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return A == accuracy::high ? sleef::log2_u10(a) : sleef::log2_u35(a);
+        return A == accuracy::high ? sleef::log2_u10(a) : glibc::log2(a);
     }
 };
 
@@ -114,7 +118,13 @@ struct log1p_function : logarithm<R, -1> {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return A == accuracy::high ? sleef::log1p_u10(a) : glibc::log1p(a);
+        if constexpr (A != accuracy::high)
+            return glibc::log1p(a);
+        else if constexpr (sizeof(R) ==
+                           4) // the base library's floats of 1 ULP end before the largest arguments
+            return in_double([](vec<double> x) { return glibc::log1p(x); }, a);
+        else
+            return sleef::log1p_u10(a);
     }
 };
 

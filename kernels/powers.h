@@ -11,12 +11,7 @@ inline namespace XKL_ISA {
 template <accuracy A, class V>
 XKL_HOT V power(V a, V b)
 {
-    if constexpr (A == accuracy::high)
-        return sleef::pow_u10(a, b);
-    else if constexpr (A == accuracy::enhanced_performance && sizeof(element<V>) == 4)
-        return sleef::fastpow_u3500(a, b);
-    else
-        return glibc::pow(a, b);
+    return A == accuracy::high ? sleef::pow_u10(a, b) : glibc::pow(a, b);
 }
 
 /// What is infinite, tiny or no number comes from the C library, with the cases of Annex F.
@@ -104,7 +99,7 @@ struct hypot_function {
     XKL_HOT V value(V a, V b) const
     {
         if constexpr (A != accuracy::high)
-            return sleef::hypot_u35(a, b);
+            return glibc::hypot(a, b);
         else if constexpr (sizeof(R) == 4)
             return in_double([](vec<double> x, vec<double> y) { return square_root(x * x + y * y); }, a, b);
         else

@@ -24,6 +24,10 @@ const std::map<std::string, name_list (*)(const std::string &, const std::string
     {"lapack", with_64},
     {"timer", with_64},
     {"lsame", with_64},
+    {"lapacke",
+     [](const std::string &, const std::string &l) {
+         return name_list{"LAPACKE_" + l, "LAPACKE_" + l + "_64"};
+     }},
     {"direct",
      [](const std::string &u, const std::string &l) {
          return name_list{l, l + "_", u};

@@ -5,6 +5,7 @@
 #include "names.h"
 #include "printers.h"
 
+#include <algorithm>
 #include <map>
 #include <ostream>
 #include <set>
@@ -115,6 +116,27 @@ void print_core_own(std::ostream &out, const routines &rows, const std::vector<p
     }
     if (!found)
         throw table_error("no provider is `own:" + header + "`");
+}
+
+void print_core_calls(std::ostream &out, const routines &rows)
+{
+    out << "// An entry by its routine's name without the type: gemm<float> is xkl_blas_sgemm.\n"
+        << "#pragma once\nnamespace xkl::core::entries {\n";
+    // Types of two letters come last, where no type of one letter has the name: nrm2<XKL_Complex8> is SCNRM2.
+    routines entries = with_entries(rows);
+    std::stable_partition(entries.begin(), entries.end(),
+                          [](const routine &row) { return row.name.size() == row.untyped.size() + 1; });
+    std::set<std::string> names;
+    std::set<std::pair<std::string, char>> types;
+    for (const routine &row : entries) {
+        if (row.untyped.empty() || !types.emplace(row.untyped, row.element).second)
+            continue;
+        if (names.insert(row.untyped).second)
+            out << "template <class T>\ninline constexpr decltype(nullptr) " << row.untyped << "{};\n";
+        out << "template <>\ninline constexpr auto *" << row.untyped << "<" << c_element("t", row.element)
+            << "> = " << core_entry(row) << ";\n";
+    }
+    out << "}\n";
 }
 
 void print_core_manifest(std::ostream &out, const routines &rows, const std::vector<provider> &providers)

@@ -71,18 +71,6 @@ std::string guard_of(std::string header)
     return header;
 }
 
-void print_prologue(std::ostream &out, const std::string &header, const std::string &text)
-{
-    out << "/* " << header << ": " << text << " */\n#ifndef " << guard_of(header) << "\n#define "
-        << guard_of(header)
-        << "\n\n#include \"xkl_types.h\"\n\n#ifdef __cplusplus\nextern \"C\" {\n#endif\n";
-}
-
-void print_epilogue(std::ostream &out)
-{
-    out << "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
-}
-
 const char blas_text[] =
     "the Fortran interface of BLAS and its extensions, as C sees it.\n"
     "   Every argument goes by address; characters are read as one letter in either case and\n"
@@ -117,6 +105,18 @@ const std::map<std::string, const char *> family_texts = {
     {"blas", blas_text}, {"lapack", lapack_text}, {"matcopy", matcopy_text}, {"service", service_text}};
 
 } // namespace
+
+void print_prologue(std::ostream &out, const std::string &header, const std::string &text)
+{
+    out << "/* " << header << ": " << text << " */\n#ifndef " << guard_of(header) << "\n#define "
+        << guard_of(header)
+        << "\n\n#include \"xkl_types.h\"\n\n#ifdef __cplusplus\nextern \"C\" {\n#endif\n";
+}
+
+void print_epilogue(std::ostream &out)
+{
+    out << "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
+}
 
 void print_c_header(std::ostream &out, const routines &rows, const std::string &header)
 {

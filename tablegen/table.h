@@ -34,7 +34,8 @@ struct frame_spec {
 struct routine {
     std::string
         name; // upper case as the Fortran standard writes it: DGEMM; service rows keep their own case
-    char element = 0; // S, D, C, Z, or 0 for a routine without type
+    char element = 0;    // S, D, C, Z, or 0 for a routine without type
+    std::string untyped; // lower case, without its type: gemm; empty for a routine without type
     frame_spec frame;
     std::string result;    // `-`, int, real, first...
     int failed_result = 0; // what a function returns after a failed check

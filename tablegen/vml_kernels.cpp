@@ -128,6 +128,13 @@ std::string kernel_body(const vml_form &form)
     return text + ")";
 }
 
+const char *class_name(vml_class kind)
+{
+    constexpr const char *names[] = {"one_in_one_out", "two_in_one_out", "one_in_two_out", "scalar",
+                                     "linear_frac",    "to_real",        "to_complex",     "pack"};
+    return names[static_cast<int>(kind)];
+}
+
 /// A form's kernels and costs; without a kernel, a stand-in that names itself.
 void print_table(std::ostream &out, const vml_form &form, const vml_kernel *by)
 {
@@ -228,6 +235,22 @@ void print_vml_kernel_tables(std::ostream &out, const vml_functions &functions,
     for (const vml_form &form : forms)
         print_table(out, form, kernel_of(*form.function, kernels));
     out << "\n#pragma GCC visibility pop\n";
+}
+
+void print_vml_kernel_rows(std::ostream &out, const vml_functions &functions,
+                           const std::vector<vml_kernel> &kernels)
+{
+    out << "#include \"kernel_rows.h\"\n\nconst kernel_row kernel_rows[] = {\n";
+    int count = 0;
+    for (const vml_form &form : vml_forms(functions)) {
+        if (!kernel_of(*form.function, kernels))
+            continue;
+        ++count;
+        out << "    {\"" << form.name() << "\", '" << form.function->element
+            << "', kernel_class::" << class_name(form.function->kind) << ", "
+            << (form.strided ? "true" : "false") << "},\n";
+    }
+    out << "};\nconst int kernel_row_count = " << count << ";\n";
 }
 
 } // namespace tablegen

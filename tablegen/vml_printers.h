@@ -22,6 +22,9 @@ void print_vml_kernels(std::ostream &out, const vml_functions &functions,
 /// The kernel library's tables.
 void print_vml_kernel_tables(std::ostream &out, const vml_functions &functions,
                              const std::vector<vml_kernel> &kernels);
+/// What tests of the kernels walk: every form that has a kernel.
+void print_vml_kernel_rows(std::ostream &out, const vml_functions &functions,
+                           const std::vector<vml_kernel> &kernels);
 
 /// The interface library's entry points of the functions of some types (`sd`).
 void print_vml_frames(std::ostream &out, const vml_functions &functions, const std::string &types);

@@ -35,6 +35,8 @@ extern const routine_row lapack_rows[];
 extern const int lapack_row_count;
 extern const routine_row matcopy_rows[];
 extern const int matcopy_row_count;
+extern const routine_row lapacke_helper_rows[];
+extern const int lapacke_helper_row_count;
 extern const routine_row service_rows[];
 extern const int service_row_count;
 extern const cblas_row cblas_rows[];
