@@ -1,6 +1,7 @@
 // tablegen: reads routine tables and prints one file. Errors are `file:line: message`, exit code 1.
 #include "names.h"
 #include "printers.h"
+#include "vml_printers.h"
 
 #include <algorithm>
 #include <fstream>
@@ -15,7 +16,8 @@ using namespace tablegen;
 namespace {
 
 const char usage[] =
-    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--option TEXT]
+    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--vml FILE]
+                        [--settings FILE] [--option TEXT]
 commands:
   frames         bodies and checkers under every spelling   (--option: header of the family's checks)
   frame-header   bodies and checkers, declared
@@ -33,14 +35,24 @@ commands:
   core-calls     the core's entries by name and type, for its own code
   core-manifest  who serves each core entry                 (--providers)
   null-core, recording-core   cores for measurements and tests
-  exports, version-script     exported names                (--shapes, if any)
+  exports, version-script     exported names                (--shapes, --vml, --settings, if any)
   test-rows, cblas-test-rows  what table-driven tests walk
+  vml-core-header  prototypes of the vector math threaders   (--vml, as the rest of this group)
+  vml-threaders    the default core's threaders
+  vml-frames       entry points                              (--option: the types they are for)
+  vml-settings     operations on mode, status and callback   (--settings)
+  vml-header       public C prototypes                       (--settings)
+  vml-fortran      a Fortran module of explicit interfaces
+  vml-test-rows, vml-recording-core, vml-recording-kernels, vml-null-core  for tests and measurements
+  vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
+  vml-kernel-tables  the tables of the kernel library         (--providers)
+  vml-kernel-rows  what tests of the kernels walk            (--providers)
   show           one routine as it is printed               (--option: its name, in upper case)
   formats        the trace format of every routine
 )";
 
 struct request {
-    std::string command, output, shapes, option;
+    std::string command, output, shapes, vml, settings, option;
     std::vector<std::string> tables, providers;
 };
 
@@ -63,6 +75,10 @@ request parse(int argc, char **argv)
             asked.providers.push_back(word);
         else if (option == "--shapes")
             asked.shapes = word;
+        else if (option == "--vml")
+            asked.vml = word;
+        else if (option == "--settings")
+            asked.settings = word;
         else if (option == "--option")
             asked.option = word;
         else
@@ -88,10 +104,17 @@ void show(std::ostream &out, const routines &rows, const std::string &name)
 void run(const request &asked, std::ostream &out)
 {
     const routines rows = read_tables(asked.tables);
-    if (rows.empty())
-        throw table_error("no rows: name at least one table behind --tables");
+    const auto functions = asked.vml.empty() ? vml_functions{} : read_vml_table(asked.vml);
+    if (rows.empty() && functions.empty())
+        throw table_error("no rows: name at least one table behind --tables, or one behind --vml");
+    const auto settings =
+        asked.settings.empty() ? std::vector<vml_setting>{} : read_vml_settings(asked.settings);
+    const auto more_names = vml_exported_names(functions, settings);
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
-    const auto providers = read_providers(asked.providers, rows);
+    const bool of_kernels = asked.command.starts_with("vml-kernel");
+    const auto kernels =
+        of_kernels ? read_vml_kernels(asked.providers.at(0), functions) : std::vector<vml_kernel>{};
+    const auto providers = of_kernels ? std::vector<provider>{} : read_providers(asked.providers, rows);
     const std::map<std::string, std::function<void()>> commands = {
         {"frames", [&] { print_frames(out, rows, asked.option); }},
         {"frame-header", [&] { print_frame_header(out, rows); }},
@@ -111,10 +134,23 @@ void run(const request &asked, std::ostream &out)
         {"core-manifest", [&] { print_core_manifest(out, rows, providers); }},
         {"null-core", [&] { print_null_core(out, rows); }},
         {"recording-core", [&] { print_recording_core(out, rows); }},
-        {"exports", [&] { print_exports(out, rows, shapes); }},
-        {"version-script", [&] { print_version_script(out, rows, shapes); }},
+        {"exports", [&] { print_exports(out, rows, shapes, more_names); }},
+        {"version-script", [&] { print_version_script(out, rows, shapes, more_names); }},
         {"test-rows", [&] { print_test_rows(out, rows); }},
         {"cblas-test-rows", [&] { print_cblas_test_rows(out, shapes); }},
+        {"vml-core-header", [&] { print_vml_core_header(out, functions); }},
+        {"vml-threaders", [&] { print_vml_threaders(out, functions); }},
+        {"vml-frames", [&] { print_vml_frames(out, functions, asked.option); }},
+        {"vml-settings", [&] { print_vml_settings(out, settings); }},
+        {"vml-header", [&] { print_vml_header(out, functions, settings); }},
+        {"vml-fortran", [&] { print_vml_fortran(out, functions); }},
+        {"vml-test-rows", [&] { print_vml_test_rows(out, functions); }},
+        {"vml-recording-core", [&] { print_vml_recording_core(out, functions); }},
+        {"vml-recording-kernels", [&] { print_vml_recording_kernels(out, functions); }},
+        {"vml-null-core", [&] { print_vml_null_core(out, functions); }},
+        {"vml-kernels", [&] { print_vml_kernels(out, functions, kernels, asked.option); }},
+        {"vml-kernel-rows", [&] { print_vml_kernel_rows(out, functions, kernels); }},
+        {"vml-kernel-tables", [&] { print_vml_kernel_tables(out, functions, kernels); }},
         {"show", [&] { show(out, rows, asked.option); }},
         {"formats",
          [&] {
@@ -126,8 +162,8 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports",  "version-script", "fortran",           "formats",      "show",
-        "c-header", "cblas-header",   "companion-exports", "helper-header"};
+        "exports",      "version-script",    "fortran",    "formats",     "show",         "c-header",
+        "cblas-header", "companion-exports", "vml-header", "vml-fortran", "helper-header"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

@@ -5,6 +5,7 @@
 #include "table.h"
 
 #include <iosfwd>
+#include <set>
 
 namespace tablegen {
 
@@ -36,9 +37,11 @@ void print_core_manifest(std::ostream &out, const routines &rows, const std::vec
 void print_null_core(std::ostream &out, const routines &rows);
 void print_recording_core(std::ostream &out, const routines &rows);
 
-// Lists.
-void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes);
-void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes);
+// Lists; `more` are names that no row gives.
+void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
+                   const std::set<std::string> &more);
+void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
+                          const std::set<std::string> &more);
 void print_test_rows(std::ostream &out, const routines &rows);
 void print_cblas_test_rows(std::ostream &out, const std::vector<shaped> &rows);
 
