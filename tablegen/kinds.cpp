@@ -227,7 +227,8 @@ bool is_service_value(const argument &arg)
 
 std::string fortran_declaration(const argument &arg, char element, std::string &shape)
 {
-    const std::string intent = arg.written ? ", intent(inout) :: " : ", intent(in) :: ";
+    const bool written = arg.written || arg.kind == "info";
+    const std::string intent = written ? ", intent(inout) :: " : ", intent(in) :: ";
     const bool array = !is_scalar(arg.kind) && arg.kind != "*handle";
     shape = array ? "(*)" : "";
     if (is_storage(arg.kind)) {

@@ -15,12 +15,15 @@
 namespace xkl::core {
 
 /// What an entry takes for an argument: an address as it is, a value by the address of a copy, for some
-/// routines write over their sizes.
+/// routines write over their sizes. LAPACK's entries don't tell which arrays they only read, so that
+/// constant ones come in too.
 template <class Parameter, class A>
 Parameter by_address(A &argument)
 {
     if constexpr (std::is_convertible_v<A, Parameter>)
         return argument;
+    else if constexpr (std::is_pointer_v<A>)
+        return const_cast<Parameter>(argument);
     else
         return &argument;
 }
