@@ -19,6 +19,9 @@ set(XKL_LAPACKE_BASE_TABLES ${PROJECT_SOURCE_DIR}/src/blas/level1.tbl ${XKL_LAPA
 set(XKL_MATCOPY_TABLE_NAMES matcopy)
 set(XKL_MATCOPY_TABLES ${PROJECT_SOURCE_DIR}/src/matcopy/matcopy.tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
+set(XKL_VML_TABLE ${PROJECT_SOURCE_DIR}/src/vml/vml.tbl)
+set(XKL_VML_SETTINGS ${PROJECT_SOURCE_DIR}/src/vml/settings.tbl)
+set(XKL_VML_LOADER ${PROJECT_SOURCE_DIR}/src/vml/loader.tbl)
 
 # For ./dev, which reads no CMake.
 foreach(family BLAS LAPACK LAPACKE LAPACKE_BASE MATCOPY)
@@ -30,15 +33,24 @@ set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sourc
 set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
 
-# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [OPTION text])
+# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s] [OPTION text])
 function(xkl_generate output command)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;OPTION" "TABLES;PROVIDERS;LAPACKE")
-  set(words ${command} -o ${output} --tables ${arg_TABLES})
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;OPTION" "TABLES;PROVIDERS;LAPACKE")
+  set(words ${command} -o ${output})
+  if(arg_TABLES)
+    list(APPEND words --tables ${arg_TABLES})
+  endif()
   if(arg_SHAPES)
     list(APPEND words --shapes ${arg_SHAPES})
   endif()
   if(arg_PROVIDERS)
     list(APPEND words --providers ${arg_PROVIDERS})
+  endif()
+  if(arg_VML)
+    list(APPEND words --vml ${arg_VML})
+  endif()
+  if(arg_SETTINGS)
+    list(APPEND words --settings ${arg_SETTINGS})
   endif()
   if(arg_LAPACKE)
     list(APPEND words --lapacke ${arg_LAPACKE})
@@ -49,7 +61,7 @@ function(xkl_generate output command)
   add_custom_command(
     OUTPUT ${output}
     COMMAND tablegen ${words}
-    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE}
+    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE} ${arg_VML} ${arg_SETTINGS}
     COMMENT "tablegen ${command}"
     VERBATIM)
 endfunction()

@@ -9,5 +9,6 @@
 #include "xkl_matcopy.h"
 #include "xkl_service.h"
 #include "xkl_types.h"
+#include "xkl_vml.h"
 
 #endif

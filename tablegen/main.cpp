@@ -2,6 +2,7 @@
 #include "names.h"
 #include "print_lapacke.h"
 #include "printers.h"
+#include "vml_printers.h"
 
 #include <algorithm>
 #include <fstream>
@@ -16,8 +17,8 @@ using namespace tablegen;
 namespace {
 
 const char usage[] =
-    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...]
-                [--lapacke FILE...] [--option TEXT]
+    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--lapacke FILE...]
+                        [--vml FILE] [--settings FILE] [--option TEXT]
 commands:
   frames         bodies and checkers under every spelling   (--option: header of the family's checks)
   frame-header   bodies and checkers, declared
@@ -37,14 +38,24 @@ commands:
   core-calls     the core's entries by name and type, for its own code
   core-manifest  who serves each core entry                 (--providers)
   null-core, recording-core   cores for measurements and tests
-  exports, version-script     exported names                (--shapes, --lapacke, if any)
+  exports, version-script     exported names                (--shapes, --lapacke, --vml, --settings, if any)
   test-rows, cblas-test-rows, lapacke-test-rows  what table-driven tests walk
+  vml-core-header  prototypes of the vector math threaders   (--vml, as the rest of this group)
+  vml-threaders    the default core's threaders
+  vml-frames       entry points                              (--option: the types they are for)
+  vml-settings     operations on mode, status and callback   (--settings)
+  vml-header       public C prototypes                       (--settings)
+  vml-fortran      a Fortran module of explicit interfaces
+  vml-test-rows, vml-recording-core, vml-recording-kernels, vml-null-core  for tests and measurements
+  vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
+  vml-kernel-tables  the tables of the kernel library         (--providers)
+  vml-kernel-rows  what tests of the kernels walk            (--providers)
   show           one routine as it is printed               (--option: its name, in upper case)
   formats        the trace format of every routine
 )";
 
 struct request {
-    std::string command, output, shapes, option;
+    std::string command, output, shapes, vml, settings, option;
     std::vector<std::string> tables, providers, lapacke;
 };
 
@@ -69,6 +80,10 @@ request parse(int argc, char **argv)
             asked.lapacke.push_back(word);
         else if (option == "--shapes")
             asked.shapes = word;
+        else if (option == "--vml")
+            asked.vml = word;
+        else if (option == "--settings")
+            asked.settings = word;
         else if (option == "--option")
             asked.option = word;
         else
@@ -104,13 +119,20 @@ void show(std::ostream &out, const routines &rows, const std::string &name)
 void run(const request &asked, std::ostream &out)
 {
     const routines rows = read_tables(asked.tables);
-    if (rows.empty())
-        throw table_error("no rows: name at least one table behind --tables");
+    const auto functions = asked.vml.empty() ? vml_functions{} : read_vml_table(asked.vml);
+    if (rows.empty() && functions.empty())
+        throw table_error("no rows: name at least one table behind --tables, or one behind --vml");
+    const auto settings =
+        asked.settings.empty() ? std::vector<vml_setting>{} : read_vml_settings(asked.settings);
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
-    const auto providers = read_providers(asked.providers, rows);
+    const bool of_kernels = asked.command.starts_with("vml-kernel");
+    const auto kernels =
+        of_kernels ? read_vml_kernels(asked.providers.at(0), functions) : std::vector<vml_kernel>{};
+    const auto providers = of_kernels ? std::vector<provider>{} : read_providers(asked.providers, rows);
     const auto lapacke = read_lapacke(asked.lapacke, rows);
     name_set names = exported(rows, shapes);
     names.merge(lapacke_names(lapacke));
+    names.merge(vml_exported_names(functions, settings));
     const std::map<std::string, std::function<void()>> commands = {
         {"frames", [&] { print_frames(out, rows, asked.option); }},
         {"frame-header", [&] { print_frame_header(out, rows); }},
@@ -138,6 +160,19 @@ void run(const request &asked, std::ostream &out)
         {"test-rows", [&] { print_test_rows(out, rows); }},
         {"lapacke-test-rows", [&] { print_lapacke_test_rows(out, lapacke); }},
         {"cblas-test-rows", [&] { print_cblas_test_rows(out, shapes); }},
+        {"vml-core-header", [&] { print_vml_core_header(out, functions); }},
+        {"vml-threaders", [&] { print_vml_threaders(out, functions); }},
+        {"vml-frames", [&] { print_vml_frames(out, functions, asked.option); }},
+        {"vml-settings", [&] { print_vml_settings(out, settings); }},
+        {"vml-header", [&] { print_vml_header(out, functions, settings); }},
+        {"vml-fortran", [&] { print_vml_fortran(out, functions); }},
+        {"vml-test-rows", [&] { print_vml_test_rows(out, functions); }},
+        {"vml-recording-core", [&] { print_vml_recording_core(out, functions); }},
+        {"vml-recording-kernels", [&] { print_vml_recording_kernels(out, functions); }},
+        {"vml-null-core", [&] { print_vml_null_core(out, functions); }},
+        {"vml-kernels", [&] { print_vml_kernels(out, functions, kernels, asked.option); }},
+        {"vml-kernel-rows", [&] { print_vml_kernel_rows(out, functions, kernels); }},
+        {"vml-kernel-tables", [&] { print_vml_kernel_tables(out, functions, kernels); }},
         {"show",
          [&] {
              if (asked.option.starts_with("LAPACKE_"))
@@ -155,8 +190,9 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports",  "version-script", "fortran",           "formats",       "show",
-        "c-header", "cblas-header",   "companion-exports", "helper-header", "lapacke-header"};
+        "exports",    "version-script", "fortran",       "formats",
+        "show",       "c-header",       "cblas-header",  "companion-exports",
+        "vml-header", "vml-fortran",    "helper-header", "lapacke-header"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

@@ -87,6 +87,39 @@ expect_lapacke '`let NAME = VALUE`' 'let k m'
 expect_lapacke '`check ARGUMENT if CONDITION`' 'check n'
 expect_lapacke 'no table has the routine `DGEEY`' 'a in ge(m, n)
 ?GEEY D'
+# expect_vml MESSAGE ROW, expect_kernel MESSAGE ROW, expect_setting MESSAGE ROW: a function, the provider of a kernel, an
+# operation on mode and status
+expect_vml() {
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" vml-threaders --vml "$scratch/wrong.tbl"
+}
+expect_kernel() {
+    printf 'Exp s,d 1i_1o\n' >"$scratch/right.tbl"
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" vml-kernel-tables --vml "$scratch/right.tbl" --providers "$scratch/wrong.tbl"
+}
+expect_setting() {
+    printf 'Exp d 1i_1o\n' >"$scratch/right.tbl"
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" vml-settings --vml "$scratch/right.tbl" --settings "$scratch/wrong.tbl"
+}
+
+expect_vml 'the columns name, types and class' 'Exp s,d'
+expect_vml 'unknown class `1i`' 'Exp s,d 1i'
+expect_vml '`q` is no type' 'Exp s,q 1i_1o'
+expect_vml 'has no functions of type s' 'Arg s to_real'
+expect_vml 'stands in' 'Exp s 1i_1o
+Exp s 1i_1o'
+expect_kernel 'the columns name, types, header and cost' 'Exp s exponential'
+expect_kernel 'has no function cExp' 'Exp c exponential 1,1,1'
+expect_kernel 'is no cost' 'Exp s exponential 1,x,1'
+expect_kernel 'three numbers' 'Exp s exponential 1,1'
+expect_kernel 'three numbers' 'Exp s exponential 1,1,1,1'
+expect_kernel 'has a kernel already' 'Exp s exponential 1,1,1
+Exp s exponential 1,1,1'
+expect_setting 'a row has the columns' 'SetMode mode'
+expect_setting 'a row has the columns' 'SetMode mode -'
+expect_setting 'a row has the columns' 'SetMode integer mode'
 
 echo "$count wrong rows"
 exit $failed

@@ -1,0 +1,120 @@
+// Hyperbolic functions and their inverses: Sinh, Cosh, Tanh, Asinh, Acosh, Atanh.
+#pragma once
+
+#include "base_library.h"
+#include "elements.h"
+#include "loops.h"
+
+namespace xkl::kernels {
+inline namespace XKL_ISA {
+
+/// Arguments so small that the result is the argument rounded; there the base library may be an ULP off.
+template <class V>
+XKL_HOT V small_as_they_are(V a, V y)
+{
+    constexpr element<V> small = sizeof(element<V>) == 8 ? 0x1p-27 : 0x1p-13;
+    return absolute(a) < small ? a : y;
+}
+
+template <class R>
+struct sinh_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? small_as_they_are(a, sleef::sinh_u10(a)) : glibc::sinh(a);
+    }
+    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return is_not_finite(y) & ~is_infinite(a); }
+    status settle(R a, R &y) const
+    {
+        y = static_cast<R>(
+            __builtin_sinhl(a)); // the base library's range ends just before that of the results
+        return overflow_or_nan(y, a);
+    }
+};
+
+template <class R>
+struct cosh_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        if constexpr (A != accuracy::high)
+            return glibc::cosh(a);
+        else if constexpr (sizeof(R) == 4)
+            return in_double([](vec<double> x) { return glibc::cosh(x); }, a);
+        else
+            return sleef::cosh_u10(a);
+    }
+    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return is_not_finite(y) & ~is_infinite(a); }
+    status settle(R a, R &y) const
+    {
+        y = static_cast<R>(__builtin_coshl(a)); // as sinh
+        return overflow_or_nan(y, a);
+    }
+};
+
+template <class R>
+struct tanh_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? small_as_they_are(a, sleef::tanh_u10(a)) : glibc::tanh(a);
+    }
+};
+
+template <class R>
+struct asinh_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        if constexpr (A != accuracy::high)
+            return glibc::asinh(a);
+        else if constexpr (sizeof(R) == 4)
+            return in_double([](vec<double> x) { return glibc::asinh(x); }, a);
+        else
+            return small_as_they_are(a, sleef::asinh_u10(a));
+    }
+};
+
+template <class R>
+struct acosh_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        if constexpr (A != accuracy::high)
+            return glibc::acosh(a);
+        else if constexpr (sizeof(R) == 4)
+            return in_double([](vec<double> x) { return glibc::acosh(x); }, a);
+        else
+            return sleef::acosh_u10(a);
+    }
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return a < 1; }
+    status settle(R, R &y) const
+    {
+        y = limits<R>::nan;
+        return domain_error;
+    }
+};
+
+template <class R>
+struct atanh_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        if constexpr (A != accuracy::high)
+            return glibc::atanh(a);
+        else if constexpr (sizeof(R) == 4)
+            return in_double([](vec<double> x) { return glibc::atanh(x); }, a);
+        else
+            return small_as_they_are(a, sleef::atanh_u10(a));
+    }
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) >= 1; }
+    status settle(R a, R &y) const
+    {
+        const bool pole = a == 1 || a == -1;
+        y = pole ? a * limits<R>::infinity : limits<R>::nan;
+        return pole ? singularity : domain_error;
+    }
+};
+
+} // namespace XKL_ISA
+} // namespace xkl::kernels

@@ -1,0 +1,240 @@
+// The rule of a kernel: how a function of packs becomes a function of vectors.
+//
+// A function is an object F with
+//   value<Accuracy>(pack...)             the results of one pack, no matter what its lanes hold
+// and, if an element can have an error or needs to be put right,
+//   suspicious(pack..., results)         the lanes that may need it: cheap; may name too many, never too few
+//   settle(element..., result &...)      the exact answer for one of them, in the slow path: it may change
+//                                        the result, and returns its status
+// The last pack of a vector is filled up and goes through the same code, so that an element's result
+// doesn't depend on the length of its vector. Arguments are in registers before results are stored:
+// results may overwrite arguments in place.
+#pragma once
+
+#include "call.h"
+#include "packs.h"
+
+namespace xkl::kernels {
+inline namespace XKL_ISA {
+
+/// Vectors of results: one, or two of equal kind
+template <class T>
+struct one_result {
+    T *r;
+    int64_t increment = 1;
+
+    XKL_HOT void put(int64_t i, const pack<T> &y) const { store(r + i, y); }
+    XKL_HOT void put_part(int64_t i, const pack<T> &y, int count) const { store_part(r + i, y, count); }
+};
+template <class T>
+struct two_results {
+    T *r1, *r2;
+    int64_t increment1 = 1, increment2 = 1;
+
+    XKL_HOT void put(int64_t i, const two<pack<T>> &y) const
+    {
+        store(r1 + i, y.first);
+        store(r2 + i, y.second);
+    }
+    XKL_HOT void put_part(int64_t i, const two<pack<T>> &y, int count) const
+    {
+        store_part(r1 + i, y.first, count);
+        store_part(r2 + i, y.second, count);
+    }
+};
+
+template <class T>
+struct argument {
+    const T *a;
+    int64_t increment = 1;
+};
+
+template <class R>
+XKL_HOT void note(double (&place)[2], R value)
+{
+    place[0] = value;
+}
+template <class R>
+XKL_HOT void note(double (&place)[2], complex<R> value)
+{
+    place[0] = value.re;
+    place[1] = value.im;
+}
+template <class R>
+requires std::is_floating_point_v<R> XKL_HOT void take_back(const double (&place)[2], R &value)
+{
+    value = static_cast<R>(place[0]);
+}
+template <class R>
+XKL_HOT void take_back(const double (&place)[2], complex<R> &value)
+{
+    value = {static_cast<R>(place[0]), static_cast<R>(place[1])};
+}
+
+template <class A>
+XKL_HOT void note_arguments(xkl_vml_error &error, A a)
+{
+    note(error.a, a);
+}
+template <class A, class B>
+XKL_HOT void note_arguments(xkl_vml_error &error, A a, B b)
+{
+    note(error.a, a);
+    note(error.b, b);
+}
+
+/// Settles one element; y is its pack of results.
+template <class F, class T, class... In>
+void settle_lane(call &c, const F &f, const one_result<T> &, int64_t index, int lane, pack<T> &y, In... x)
+{
+    T result = lane_of(y, lane);
+    if (const status found = f.settle(x..., result)) {
+        xkl_vml_error error{};
+        note_arguments(error, x...);
+        note(error.r1, result);
+        c.report(found, index, error);
+        take_back(error.r1, result);
+    }
+    set_lane(y, lane, result);
+}
+template <class F, class T, class... In>
+void settle_lane(call &c, const F &f, const two_results<T> &, int64_t index, int lane, two<pack<T>> &y,
+                 In... x)
+{
+    T first = lane_of(y.first, lane), second = lane_of(y.second, lane);
+    if (const status found = f.settle(x..., first, second)) {
+        xkl_vml_error error{};
+        note_arguments(error, x...);
+        note(error.r1, first);
+        note(error.r2, second);
+        c.report(found, index, error);
+        take_back(error.r1, first);
+        take_back(error.r2, second);
+    }
+    set_lane(y.first, lane, first);
+    set_lane(y.second, lane, second);
+}
+
+template <class F, class Results, class Y, class... X>
+[[gnu::cold, gnu::noinline]] Y settle(call &c, const F &f, const Results &r, int64_t first, unsigned bits,
+                                      Y y, X... x)
+{
+    for (; bits; bits &= bits - 1) {
+        const int lane = __builtin_ctz(bits);
+        settle_lane(c, f, r, first + lane, lane, y, lane_of(x, lane)...);
+    }
+    return y;
+}
+
+/// The results of one pack, of which `count` lanes hold elements, put right
+template <accuracy A, class F, class Results, class... X>
+XKL_HOT auto finished(call &c, const F &f, const Results &r, int64_t first, int count, X... x)
+{
+    auto y = f.template value<A>(x...);
+    if constexpr (requires { f.suspicious(x..., y); }) {
+        unsigned bits = lane_bits(f.suspicious(x..., y));
+        if (bits) [[unlikely]] {
+            bits &= (2u << (count - 1)) - 1;
+            y = settle(c, f, r, first, bits, y, x...);
+        }
+    }
+    return y;
+}
+
+template <accuracy A, class F, class Results, class T, class... Ts>
+void run(call &c, const F &f, int64_t n, const Results &r, const T *a, const Ts *...others)
+{
+    constexpr int width = lanes<real<T>>;
+    int64_t i = 0;
+    for (; i + width <= n; i += width)
+        r.put(i, finished<A>(c, f, r, i, width, load(a + i), load(others + i)...));
+    if (const int rest = static_cast<int>(n - i))
+        r.put_part(i, finished<A>(c, f, r, i, rest, load_part(a + i, rest), load_part(others + i, rest)...),
+                   rest);
+}
+
+template <class F, class Results, class... Ts>
+XKL_HOT void run_in_mode(call &c, const F &f, int64_t n, const Results &r, const Ts *...a)
+{
+    switch (c.wanted()) {
+    case accuracy::high:
+        return run<accuracy::high>(c, f, n, r, a...);
+    case accuracy::low:
+        return run<accuracy::low>(c, f, n, r, a...);
+    case accuracy::enhanced_performance:
+        return run<accuracy::enhanced_performance>(c, f, n, r, a...);
+    }
+}
+
+template <class F, class Results, class... Ts>
+XKL_HOT void contiguous(const F &f, const char *name, int32_t n, const Results &r, const argument<Ts> &...a)
+{
+    call c(name);
+    run_in_mode(c, f, n, r, a.a...);
+}
+
+constexpr int64_t block = 256; // elements that a strided kernel gathers at a time: a multiple of all lanes
+
+/// Part of a vector with gaps, next to each other
+template <class T>
+struct gathered {
+    alignas(register_bytes) T elements[block];
+
+    XKL_HOT const T *from(const argument<T> &a, int64_t first, int64_t count)
+    {
+        for (int64_t i = 0; i < count; ++i)
+            elements[i] = a.a[(first + i) * a.increment];
+        return elements;
+    }
+    XKL_HOT void to(T *r, int64_t increment, int64_t first, int64_t count) const
+    {
+        for (int64_t i = 0; i < count; ++i)
+            r[(first + i) * increment] = elements[i];
+    }
+};
+
+template <class F, class T, class... Ts>
+XKL_HOT void strided_block(call &c, const F &f, const one_result<T> &r, int64_t first, int64_t count,
+                           const Ts *...a)
+{
+    gathered<T> results;
+    run_in_mode(c, f, count, one_result<T>{results.elements}, a...);
+    results.to(r.r, r.increment, first, count);
+}
+template <class F, class T, class... Ts>
+XKL_HOT void strided_block(call &c, const F &f, const two_results<T> &r, int64_t first, int64_t count,
+                           const Ts *...a)
+{
+    gathered<T> results1, results2;
+    run_in_mode(c, f, count, two_results<T>{results1.elements, results2.elements}, a...);
+    results1.to(r.r1, r.increment1, first, count);
+    results2.to(r.r2, r.increment2, first, count);
+}
+
+template <class F, class Results, class A>
+void strided(const F &f, const char *name, int32_t n, const Results &r, const argument<A> &a)
+{
+    call c(name);
+    gathered<A> as;
+    for (int64_t first = 0; first < n; first += block) {
+        const int64_t count = n - first < block ? n - first : block;
+        c.start_block_at(first);
+        strided_block(c, f, r, first, count, as.from(a, first, count));
+    }
+}
+template <class F, class Results, class A, class B>
+void strided(const F &f, const char *name, int32_t n, const Results &r, const argument<A> &a,
+             const argument<B> &b)
+{
+    call c(name);
+    gathered<A> as;
+    gathered<B> bs;
+    for (int64_t first = 0; first < n; first += block) {
+        const int64_t count = n - first < block ? n - first : block;
+        c.start_block_at(first);
+        strided_block(c, f, r, first, count, as.from(a, first, count), bs.from(b, first, count));
+    }
+}
+
+} // namespace XKL_ISA
+} // namespace xkl::kernels

@@ -1,0 +1,193 @@
+// Trigonometry: Sin, Cos, Tan, SinCos, Sinpi, Cospi, SinCospi, Asin, Acos, Atan, Atan2.
+#pragma once
+
+#include "base_library.h"
+#include "elements.h"
+#include "loops.h"
+
+namespace xkl::kernels {
+inline namespace XKL_ISA {
+
+/// Infinite angles have no direction.
+template <class R>
+struct of_angle {
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return is_infinite(a); }
+    status settle(R, R &y) const
+    {
+        y = limits<R>::nan;
+        return domain_error;
+    }
+    XKL_HOT auto suspicious(vec<R> a, const two<vec<R>> &) const { return is_infinite(a); }
+    status settle(R, R &first, R &second) const
+    {
+        first = second = limits<R>::nan;
+        return domain_error;
+    }
+};
+
+/// Of the two libraries of 4 ULP the one that is faster: C's for doubles in narrow registers, but not for
+/// large angles, which it computes one at a time.
+template <class V, class C, class Sleef>
+XKL_HOT V low_accuracy(V a, [[maybe_unused]] element<V> large, [[maybe_unused]] const C &from_c,
+                       const Sleef &from_sleef)
+{
+    if constexpr (sizeof(element<V>) == 8 && register_bytes < 64)
+        if (!any(absolute(a) > large)) [[likely]]
+            return from_c(a);
+    return from_sleef(a);
+}
+
+template <class R>
+struct sin_function : of_angle<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        if constexpr (A == accuracy::high)
+            return sleef::sin_u10(a);
+        else
+            return low_accuracy(
+                a, R(1e7), [](auto x) { return glibc::sin(x); }, [](auto x) { return sleef::sin_u35(x); });
+    }
+};
+
+template <class R>
+struct cos_function : of_angle<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        if constexpr (A == accuracy::high)
+            return sleef::cos_u10(a);
+        else
+            return low_accuracy(
+                a, R(1e7), [](auto x) { return glibc::cos(x); }, [](auto x) { return sleef::cos_u35(x); });
+    }
+};
+
+template <class R>
+struct tan_function : of_angle<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        if constexpr (A == accuracy::high)
+            return sleef::tan_u10(a);
+        else
+            return low_accuracy(
+                a, R(1e5), [](auto x) { return glibc::tan(x); }, [](auto x) { return sleef::tan_u35(x); });
+    }
+};
+
+template <class R>
+struct sincos_function : of_angle<R> {
+    template <accuracy A>
+    XKL_HOT two<vec<R>> value(vec<R> a) const
+    {
+        const auto y = A == accuracy::high ? sleef::sincos_u10(a) : sleef::sincos_u35(a);
+        return {y.x, y.y};
+    }
+};
+
+/// The angle less a multiple of two half turns: exact, and within the range that the base library serves
+template <class V>
+XKL_HOT V within_one_turn(V half_turns)
+{
+    return half_turns - 2 * nearest(half_turns / 2);
+}
+
+/// sin(pi*a) of an integer a is a zero with the sign of a, cos(pi*a) of a half is +0.
+template <class V>
+XKL_HOT V sine_of_half_turns(V y, V a)
+{
+    return y == 0 ? with_sign_of(y, a) : y;
+}
+template <class V>
+XKL_HOT V cosine_of_half_turns(V y)
+{
+    return y + 0;
+}
+
+template <class R>
+struct sinpi_function : of_angle<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        const vec<R> turn = within_one_turn(a);
+        if constexpr (A == accuracy::high)
+            return sine_of_half_turns(sleef::sinpi_u05(turn), a);
+        else
+            return sine_of_half_turns<vec<R>>(sleef::sincospi_u35(turn).x, a);
+    }
+};
+
+template <class R>
+struct cospi_function : of_angle<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        const vec<R> turn = within_one_turn(a);
+        if constexpr (A == accuracy::high)
+            return cosine_of_half_turns(sleef::cospi_u05(turn));
+        else
+            return cosine_of_half_turns<vec<R>>(sleef::sincospi_u35(turn).y);
+    }
+};
+
+template <class R>
+struct sincospi_function : of_angle<R> {
+    template <accuracy A>
+    XKL_HOT two<vec<R>> value(vec<R> a) const
+    {
+        const vec<R> turn = within_one_turn(a);
+        const auto y = A == accuracy::high ? sleef::sincospi_u05(turn) : sleef::sincospi_u35(turn);
+        return {sine_of_half_turns<vec<R>>(y.x, a), cosine_of_half_turns<vec<R>>(y.y)};
+    }
+};
+
+/// No angle has a sine or cosine beyond 1.
+template <class R>
+struct of_sine {
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > 1; }
+    status settle(R, R &y) const
+    {
+        y = limits<R>::nan;
+        return domain_error;
+    }
+};
+
+template <class R>
+struct asin_function : of_sine<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::asin_u10(a) : sleef::asin_u35(a);
+    }
+};
+
+template <class R>
+struct acos_function : of_sine<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::acos_u10(a) : sleef::acos_u35(a);
+    }
+};
+
+template <class R>
+struct atan_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return A == accuracy::high ? sleef::atan_u10(a) : glibc::atan(a);
+    }
+};
+
+template <class R>
+struct atan2_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a, vec<R> b) const
+    {
+        return A == accuracy::high ? sleef::atan2_u10(a, b) : sleef::atan2_u35(a, b);
+    }
+};
+
+} // namespace XKL_ISA
+} // namespace xkl::kernels
