@@ -160,13 +160,15 @@ void xkl_serv_free(void *block)
         }
 }
 
+/// What a test put there, or else the process's own environment.
 int xkl_serv_getenv(const char *name, char *value, int size)
 {
     const auto found = recorded.environment.find(name);
-    if (found == recorded.environment.end())
+    const char *text = found != recorded.environment.end() ? found->second.c_str() : std::getenv(name);
+    if (!text)
         return 0;
-    std::snprintf(value, static_cast<size_t>(size), "%s", found->second.c_str());
-    return static_cast<int>(found->second.size());
+    std::snprintf(value, static_cast<size_t>(size), "%s", text);
+    return static_cast<int>(std::strlen(text));
 }
 
 void xkl_serv_deallocate(void *block)

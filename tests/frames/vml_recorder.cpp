@@ -2,7 +2,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 
@@ -35,12 +34,6 @@ void *xkl_serv_load_vml(void)
 int xkl_serv_vml_cpu_detect(void)
 {
     return vml_recorded.processor_code;
-}
-
-int xkl_serv_getenv(const char *name, char *buffer, int size)
-{
-    const char *value = std::getenv(name);
-    return value ? std::snprintf(buffer, static_cast<size_t>(size), "%s", value) : 0;
 }
 
 // Written to standard error too, for those that look at a child process.
