@@ -233,15 +233,17 @@ class work_printer : body_printer {
         line("}");
     }
 
-    /// The elements of a column-major copy.
-    std::string copy_count(const lapacke_array &each) const
+    /// Memory for a column-major copy.
+    std::string copy_memory(const lapacke_array &each) const
     {
+        const std::string type = lapacke_element(each.arg, element_);
         const expression columns = at_least_one(each.scheme->columns());
         if (!each.ld.empty())
-            return printed(infix("*", name_of(copy_ld(each)), columns));
+            return "memory.matrix<" + type + ">(" + copy_ld(each) + ", " + printed(columns) + ")";
         const expression pairs = {
             "call", "max", {{"number", "2", {}}, infix("+", each.scheme->columns(), {"number", "1", {}})}};
-        return printed(infix("/", infix("*", columns, pairs), {"number", "2", {}}));
+        const expression count = infix("/", infix("*", columns, pairs), {"number", "2", {}});
+        return "memory.get<" + type + ">(" + printed(count) + ")";
     }
 
     void print_copies()
@@ -257,7 +259,7 @@ class work_printer : body_printer {
             if (!each.scheme)
                 continue;
             const std::string type = lapacke_element(each.arg, element_);
-            const std::string get = "memory.get<" + type + ">(" + copy_count(each) + ")";
+            const std::string get = copy_memory(each);
             line(type + " *" + each.arg.name +
                  "_t = " + (each.when ? printed(*each.when) + " ? " + get + " : nullptr" : get) + ";");
         }

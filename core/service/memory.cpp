@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <atomic>
 #include <bit>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -16,14 +17,17 @@
 
 namespace {
 
-constexpr uint32_t live_mark = 0x4b4c4258;
-constexpr uint32_t freed_mark = 0x64656566;
+constexpr uint16_t live_mark = 0x4b4c;
+constexpr uint16_t freed_mark = 0x6465;
 constexpr size_t default_alignment = 64;
 
 struct block_header {
     size_t size;
-    uint32_t alignment;
-    uint32_t mark;
+    uint32_t offset; // of the block in the C library's one
+    uint16_t log_alignment;
+    uint16_t mark;
+
+    size_t alignment() const { return size_t{1} << log_alignment; }
 };
 static_assert(sizeof(block_header) == 16);
 
@@ -66,7 +70,8 @@ void uncount_allocation(size_t size)
 size_t usable_alignment(int alignment)
 {
     const auto bytes = static_cast<size_t>(std::max(alignment, 0));
-    return std::has_single_bit(bytes) ? std::max(bytes, sizeof(block_header)) : default_alignment;
+    const bool power_of_two = bytes != 0 && (bytes & (bytes - 1)) == 0;
+    return power_of_two ? std::max(bytes, sizeof(block_header)) : default_alignment;
 }
 
 block_header *header_of(void *block)
@@ -74,18 +79,23 @@ block_header *header_of(void *block)
     return static_cast<block_header *>(block) - 1;
 }
 
-// The header fills the end of one whole alignment unit in front of the block.
+// The C library keeps freed small blocks at hand, but not those that it was asked to align: so the alignment
+// is made here. Its blocks are aligned to a header's size, which leaves room for one in front of ours.
 void *allocate_block(size_t size, size_t alignment)
 {
+    static_assert(alignof(std::max_align_t) >= sizeof(block_header));
     if (size > static_cast<size_t>(PTRDIFF_MAX) - alignment || !count_allocation(size))
         return nullptr;
-    void *start = nullptr;
-    if (posix_memalign(&start, alignment, size + alignment) != 0) {
+    auto *const start = static_cast<char *>(std::malloc(size + alignment));
+    if (!start) {
         uncount_allocation(size);
         return nullptr;
     }
-    void *block = static_cast<char *>(start) + alignment;
-    *header_of(block) = {size, static_cast<uint32_t>(alignment), live_mark};
+    const size_t beyond = reinterpret_cast<uintptr_t>(start) & (alignment - 1);
+    const size_t offset = alignment - beyond;
+    void *block = start + offset;
+    const auto log_alignment = static_cast<uint16_t>(std::countr_zero(alignment));
+    *header_of(block) = {size, static_cast<uint32_t>(offset), log_alignment, live_mark};
     return block;
 }
 
@@ -124,7 +134,7 @@ void xkl_serv_free(void *block)
     block_header *header = header_of(block);
     header->mark = freed_mark;
     uncount_allocation(header->size);
-    std::free(static_cast<char *>(block) - header->alignment);
+    std::free(static_cast<char *>(block) - header->offset);
 }
 
 // As the C library's: a failure leaves the old block as it was, size 0 frees it.
@@ -139,7 +149,7 @@ void *xkl_serv_realloc(void *block, size_t size)
     if (!is_live(block))
         return nullptr;
     const block_header old = *header_of(block);
-    void *resized = allocate_block(size, old.alignment);
+    void *resized = allocate_block(size, old.alignment());
     if (!resized)
         return nullptr;
     std::memcpy(resized, block, std::min(size, old.size));

@@ -67,6 +67,11 @@ void *blocks::obtain(int64_t count, size_t element)
     return block;
 }
 
+void *blocks::obtain_columns(int64_t ld, int64_t columns, size_t element)
+{
+    return obtain((extent(ld) * columns).value, element);
+}
+
 void blocks::release()
 {
     while (used_ > 0)

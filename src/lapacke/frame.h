@@ -41,7 +41,7 @@ constexpr int64_t counting_layout(int64_t info)
 extern constinit std::atomic<int> nan_check;
 [[gnu::cold, gnu::noinline]] int resolve_nan_check();
 
-inline bool checks_nan()
+[[gnu::always_inline]] inline bool checks_nan()
 {
     const int flag = nan_check.load(std::memory_order_relaxed);
     return (flag < 0 ? resolve_nan_check() : flag) != 0;
@@ -67,7 +67,7 @@ class blocks {
   public:
     static constexpr int most_blocks = 8; // tablegen looks that no routine needs more
 
-    ~blocks()
+    [[gnu::always_inline]] ~blocks()
     {
         if (used_ != 0)
             release();
@@ -77,19 +77,26 @@ class blocks {
     blocks &operator=(const blocks &) = delete;
 
     template <class T>
-    T *get(extent count)
+    [[gnu::always_inline]] T *get(extent count)
     {
         return static_cast<T *>(obtain(count.value, sizeof(T)));
     }
     template <class T>
-    T *get(int64_t count)
+    [[gnu::always_inline]] T *get(int64_t count)
     {
         return static_cast<T *>(obtain(count, sizeof(T)));
+    }
+    /// So many columns of a leading dimension. Multiplied out of line, as most routines need it.
+    template <class T>
+    [[gnu::always_inline]] T *matrix(int64_t ld, int64_t columns)
+    {
+        return static_cast<T *>(obtain_columns(ld, columns, sizeof(T)));
     }
     bool failed() const { return failed_; }
 
   private:
     [[gnu::noinline]] void *obtain(int64_t count, size_t element);
+    [[gnu::noinline]] void *obtain_columns(int64_t ld, int64_t columns, size_t element);
     [[gnu::noinline]] void release();
 
     int used_ = 0;
