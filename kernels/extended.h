@@ -88,13 +88,14 @@ XKL_HOT extended<V> operator/(extended<V> a, extended<V> b)
         quotient, ((a.high - back.high) - back.low + a.low - quotient * b.low) / b.high);
 }
 
-/// The square root of x > 0
+/// The square root of x >= 0
 template <class V>
 XKL_HOT extended<V> extended_root(V x)
 {
     const V root = square_root(x);
     const extended<V> back = exact_product(root, root);
-    return {root, ((x - back.high) - back.low) / (root + root)};
+    const V rest = (x - back.high) - back.low;
+    return {root, rest == 0 ? rest : rest / (root + root)};
 }
 
 /// A constant to twice the digits
