@@ -22,12 +22,14 @@ XKL_HOT V element_by_element(const F &f, V a)
     return by_element([&f](R x) { return static_cast<R>(f(static_cast<working<A, R>>(x))); }, a);
 }
 
+/// With doubles these lose more than 4 ULP.
 template <class R, int Order>
 struct modified_bessel {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return element_by_element<A>([](auto x) { return scalar::modified_bessel(Order, x); }, a);
+        constexpr accuracy used = A == accuracy::low ? accuracy::high : A;
+        return element_by_element<used>([](auto x) { return scalar::modified_bessel(Order, x); }, a);
     }
     XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_infinite(y); }
     status settle(R a, R &y) const { return overflow_or_nan(y, a); }
@@ -93,11 +95,16 @@ struct expint1_function {
     {
         return element_by_element<A>([](auto x) { return scalar::exponential_integral(x); }, a);
     }
-    XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y) | is_tiny(y); }
+    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const
+    {
+        return is_not_finite(y) | (a > (sizeof(R) == 8 ? R(650) : R(80)));
+    }
     status settle(R a, R &y) const
     {
         if (a == 0)
             return singularity;
+        if (a > 0) // doubles lose digits before their results become denormal
+            y = static_cast<R>(scalar::exponential_integral(static_cast<long double>(a)));
         return tiny(y) && !infinite(a) ? underflow : overflow_or_nan(y, a);
     }
 };

@@ -84,8 +84,8 @@ XKL_HOT extended<V> operator/(extended<V> a, extended<V> b)
 {
     const V quotient = a.high / b.high;
     const extended<V> back = exact_product(quotient, b.high);
-    return exact_sum_ordered<V>(
-        quotient, ((a.high - back.high) - back.low + a.low - quotient * b.low) / b.high);
+    return exact_sum_ordered<V>(quotient,
+                                ((a.high - back.high) - back.low + a.low - quotient * b.low) / b.high);
 }
 
 /// The square root of x >= 0
