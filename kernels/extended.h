@@ -115,5 +115,21 @@ XKL_HOT V polynomial(V x, const double (&c)[N])
     return y;
 }
 
+/// The same, its first Exact steps from the constant on with all digits
+template <int Exact, class V, int N>
+XKL_HOT extended<V> extended_polynomial(V x, const double (&c)[N])
+{
+    V inner = broadcast(static_cast<element<V>>(c[N - 1]));
+    for (int i = N - 2; i >= Exact; --i)
+        inner = multiply_add(inner, x, broadcast(static_cast<element<V>>(c[i])));
+    extended<V> y = {inner, V{}};
+    for (int i = Exact - 1; i >= 0; --i) {
+        const extended<V> product = exact_product(y.high, x),
+                          sum = exact_sum(broadcast(static_cast<element<V>>(c[i])), product.high);
+        y = {sum.high, sum.low + multiply_add(y.low, x, product.low)};
+    }
+    return y;
+}
+
 } // namespace XKL_ISA
 } // namespace xkl::kernels

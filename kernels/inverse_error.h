@@ -38,14 +38,14 @@ XKL_HOT extended<V> erfinv_around_zero(extended<V> y)
 template <class V>
 XKL_HOT V tail_near(V w)
 {
-    constexpr double above[] = {-0x1.738c232dc2db3p-2,  -0x1.bf1e16253598ep-1, -0x1.ad248689054e9p-1,
-                                -0x1.99befc71397cdp-2,  -0x1.7de355f30a950p-4, -0x1.2cc9f34bb40afp-7,
-                                -0x1.24bbd810439c8p-12, -0x1.09a17ce29b213p-21};
-    constexpr double below[] = {0x1.0000000000000p+0, 0x1.3b37b6b595a45p+1, 0x1.4d22958b1716bp+1,
-                                0x1.77ba7a43eae36p+0, 0x1.d330f3c3a2271p-2, 0x1.29e8b47fdd5fap-4,
-                                0x1.4b1c07ddfd2acp-8, 0x1.b736ea85b6751p-14};
-    const V from = w - 1.25;
-    return polynomial(from, above) / polynomial(from, below);
+    constexpr double above[] = {0x1.4c06ad9a88d39p-6,  0x1.b49a20985c8edp-4, 0x1.13a698255c4e7p-3,
+                                0x1.32abc4920fba8p-4,  0x1.2ea3f26fcd130p-6, 0x1.d69c94c0e1300p-10,
+                                0x1.a39a18a72b977p-15, 0x1.0cbba139b4c20p-28};
+    constexpr double below[] = {0x1.0000000000000p+0, 0x1.3dee5e0f00d1ep+1, 0x1.5383785821b51p+1,
+                                0x1.847626dd113dcp+0, 0x1.edb4966c9b7adp-2, 0x1.46f9cadaf526dp-4,
+                                0x1.85798f7aea0b4p-8, 0x1.26547af73557ap-13};
+    const V from = w - 1.25; // what this adds to the function's value there is small
+    return -0x1.738c232dc2db3p-2 + from * (polynomial(from, above) / polynomial(from, below));
 }
 template <class V>
 XKL_HOT V tail_middle(V w)
