@@ -29,11 +29,27 @@ struct cblas_row {
     const char *kinds; // kinds, as the routine's table has them, ! behind those that are written
 };
 
+struct lapacke_row {
+    const char *name;    // LAPACKE_dgesv
+    const char *routine; // dgesv
+    char element;        // S, D, C, Z, or -
+    const char *result;  // lapack_int, float, double
+    bool has_layout, has_info, has_twin;
+    const char *names, *types;           // of the high-level function, comma separated, without the layout
+    const char *work_names, *work_types; // of the _work function
+};
+
 extern const routine_row blas_rows[];
 extern const int blas_row_count;
 extern const routine_row lapack_rows[];
 extern const int lapack_row_count;
+extern const routine_row matcopy_rows[];
+extern const int matcopy_row_count;
+extern const routine_row lapacke_helper_rows[];
+extern const int lapacke_helper_row_count;
 extern const routine_row service_rows[];
 extern const int service_row_count;
 extern const cblas_row cblas_rows[];
 extern const int cblas_row_count;
+extern const lapacke_row lapacke_rows[];
+extern const int lapacke_row_count;

@@ -18,7 +18,7 @@ refused() {
     if "$tablegen" "$@" -o "$scratch/out" 2>"$scratch/said"; then
         echo "accepted: $row"
         failed=1
-    elif ! grep -q "wrong.tbl:[34]: " "$scratch/said" || ! grep -qF "$message" "$scratch/said"; then
+    elif ! grep -q "wrong.tbl:[234]: " "$scratch/said" || ! grep -qF "$message" "$scratch/said"; then
         echo "for: $row"
         echo "said: $(cat "$scratch/said")"
         failed=1
@@ -41,11 +41,21 @@ expect_provider() {
     refused "$1" "$2" core-own --option axpy --tables "$scratch/right.tbl" --providers "$scratch/wrong.tbl"
 }
 
+# expect_lapacke MESSAGE STATEMENT: a statement about DGEEX, on line 3
+expect_lapacke() {
+    printf '@family lapack\n@spellings lapack\n?GEEX S,D registered - m:i n:i a:T! lda:i x:T work:T! lwork:i info:info\n' >"$scratch/right.tbl"
+    printf '# rows\n?GEEX  S,D\n    %s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" lapacke --tables "$scratch/right.tbl" --lapacke "$scratch/wrong.tbl"
+}
+
 expect 'unknown kind `y`' '?AXPY S,D traced - n:i a:y'
 expect 'is not an argument' '?AXPY S,D traced - n'
 expect 'two arguments are called `n`' '?AXPY S,D traced - n:i n:i'
 expect 'unknown frame `trace`' '?AXPY S,D trace - n:i'
 expect 'names its checks' '?GEMV S,D checked - n:i'
+expect 'a helper its template' '?AXPY S,D helper - n:i'
+expect 'names its checks' 'XKL_?OMATCOPY S valued - ordering:c'
+expect 'a valued frame takes no kind i' 'XKL_?OMATCOPY S valued:omatcopy - rows:i'
 expect 'unknown result `number`' '?DOT S,D traced number n:i'
 expect 'has none of the letters' '?AXPY Q traced - n:i'
 expect 'lists its types' '?AXPY - traced - n:i'
@@ -63,7 +73,22 @@ expect_provider '`other:axpy` is no provider' '?AXPY S other:axpy'
 expect_provider 'lists its types' '?AXPY S openblas:saxpy'
 expect_provider 'no table has the routine `CAXPY`' '?AXPY S,C own:axpy'
 
-# expect_vml MESSAGE ROW, expect_kernel MESSAGE ROW: a function, and the provider of a kernel
+expect_lapacke 'has no argument `b`' 'b in ge(m, n)'
+expect_lapacke 'none of in, out, inout, value, space, query' 'a reads ge(m, n)'
+expect_lapacke 'there is no storage scheme `xy`' 'a in xy(m, n)'
+expect_lapacke 'scheme ge has 2 sizes' 'a in ge(m)'
+expect_lapacke 'not followed by its leading dimension' 'x in ge(m, n)'
+expect_lapacke 'none of nan, in, out, bound, refused, ld' 'a in ge(m, n), otherwise'
+expect_lapacke '`)` is missing' 'a in ge(m, max(1, n)'
+expect_lapacke 'there is no function `root`' 'work space root(n)'
+expect_lapacke 'no argument or value `p`' 'a in ge(m, p)'
+expect_lapacke 'it ends too early' 'work space n +'
+expect_lapacke '`let NAME = VALUE`' 'let k m'
+expect_lapacke '`check ARGUMENT if CONDITION`' 'check n'
+expect_lapacke 'no table has the routine `DGEEY`' 'a in ge(m, n)
+?GEEY D'
+# expect_vml MESSAGE ROW, expect_kernel MESSAGE ROW, expect_setting MESSAGE ROW: a function, the provider of a kernel, an
+# operation on mode and status
 expect_vml() {
     printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
     refused "$1" "$2" vml-threaders --vml "$scratch/wrong.tbl"
@@ -72,6 +97,11 @@ expect_kernel() {
     printf 'Exp s,d 1i_1o\n' >"$scratch/right.tbl"
     printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
     refused "$1" "$2" vml-kernel-tables --vml "$scratch/right.tbl" --providers "$scratch/wrong.tbl"
+}
+expect_setting() {
+    printf 'Exp d 1i_1o\n' >"$scratch/right.tbl"
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" vml-settings --vml "$scratch/right.tbl" --settings "$scratch/wrong.tbl"
 }
 
 expect_vml 'the columns name, types and class' 'Exp s,d'
@@ -87,6 +117,9 @@ expect_kernel 'three numbers' 'Exp s exponential 1,1'
 expect_kernel 'three numbers' 'Exp s exponential 1,1,1,1'
 expect_kernel 'has a kernel already' 'Exp s exponential 1,1,1
 Exp s exponential 1,1,1'
+expect_setting 'a row has the columns' 'SetMode mode'
+expect_setting 'a row has the columns' 'SetMode mode -'
+expect_setting 'a row has the columns' 'SetMode integer mode'
 
 echo "$count wrong rows"
 exit $failed
