@@ -16,6 +16,7 @@
 #include "elements.h"
 #include "loops.h"
 #include "scalar/complex_elements.h"
+#include "split_number.h"
 
 namespace xkl::kernels {
 inline namespace XKL_ISA {
@@ -157,26 +158,6 @@ template <class R>
 XKL_HOT auto is_not_finite(complex_vec<R> a)
 {
     return is_not_finite(a.re) | is_not_finite(a.im);
-}
-
-/// A number in two parts, the second a correction of the first
-using split_number = two<vec<double>>;
-
-XKL_HOT split_number exact_sum(vec<double> a, vec<double> b)
-{
-    const auto sum = a + b, b_in_sum = sum - a;
-    return {sum, (a - (sum - b_in_sum)) + (b - b_in_sum)};
-}
-
-XKL_HOT split_number exact_product(vec<double> a, vec<double> b)
-{
-    const auto product = a * b;
-    if constexpr (has_fma)
-        return {product, multiply_add(a, b, -product)};
-    constexpr double half_of_digits = 0x1p27 + 1;
-    const auto a_high = a * half_of_digits - (a * half_of_digits - a), a_low = a - a_high,
-               b_high = b * half_of_digits - (b * half_of_digits - b), b_low = b - b_high;
-    return {product, ((a_high * b_high - product) + a_high * b_low + a_low * b_high) + a_low * b_low};
 }
 
 /// a*b + c*d; at high accuracy with all of its digits however much cancels

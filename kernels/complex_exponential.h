@@ -1,4 +1,4 @@
-// Complex exponentials, logarithms, roots and powers: Exp, Ln, Log10, Sqrt, Pow, Powx.
+// Complex exponentials, logarithms and roots: Exp, Ln, Log10, Sqrt.
 #pragma once
 
 #include "complex_arithmetic.h"
@@ -84,79 +84,6 @@ struct sqrt_core : without_poles {
         return too_large_to_square(a) | too_small_to_square(a);
     }
     static scalar::wide exact(scalar::wide a) { return scalar::square_root(a); }
-};
-
-/// exp(b*log(a)). The error of the logarithm grows with the size of b*log(a), up to half of a double's digits: enough for
-/// floats and for enhanced performance; otherwise doubles are computed one at a time with 11 more bits.
-struct pow_core {
-    static constexpr bool underflows = true;
-    template <accuracy A>
-    XKL_HOT complex_doubles value(complex_doubles a, complex_doubles b) const
-    {
-        const auto log = ln_core{}.value<A>(a);
-        return exp_core{}.value<A>(mul_core{}.value<A>(b, log));
-    }
-    static scalar::wide exact(scalar::wide a, scalar::wide b) { return scalar::power(a, b); }
-    template <class C>
-    static bool pole(C a, C b)
-    {
-        return zero(a) && b.re < 0;
-    }
-};
-
-template <class R, accuracy A>
-XKL_HOT complex_vec<R> complex_power(complex_vec<R> a, complex_vec<R> b)
-{
-    if constexpr (sizeof(R) == 4 || A == accuracy::enhanced_performance)
-        return computed<pow_core, accuracy::low>(pow_core{}, a, b);
-    complex_vec<R> y;
-    for (int lane = 0; lane < lanes<R>; ++lane) {
-        complex<R> result;
-        settled<pow_core>(pow_core::exact(wide_element(lane_of(a, lane)), wide_element(lane_of(b, lane))),
-                          result, lane_of(a, lane), lane_of(b, lane));
-        set_lane(y, lane, result);
-    }
-    return y;
-}
-
-template <class R>
-struct of_power {
-    using V = complex_vec<R>;
-    XKL_HOT static auto rare(V a, V b, V y)
-    {
-        return too_large_to_square(a) | too_small_to_square(a) | is_not_finite(b) | is_not_finite(y) |
-               (is_tiny(y.re) & is_tiny(y.im));
-    }
-    static status settle(complex<R> a, complex<R> b, complex<R> &y)
-    {
-        return settled<pow_core>(pow_core::exact(wide_element(a), wide_element(b)), y, a, b);
-    }
-};
-
-template <class R>
-struct complex_pow_function {
-    using V = complex_vec<R>;
-    template <accuracy A>
-    XKL_HOT V value(V a, V b) const
-    {
-        return complex_power<R, A>(a, b);
-    }
-    XKL_HOT auto suspicious(V a, V b, V y) const { return of_power<R>::rare(a, b, y); }
-    status settle(complex<R> a, complex<R> b, complex<R> &y) const { return of_power<R>::settle(a, b, y); }
-};
-
-template <class R>
-struct complex_powx_function {
-    using V = complex_vec<R>;
-    complex<R> b;
-    XKL_HOT V exponent() const { return {broadcast(b.re), broadcast(b.im)}; }
-    template <accuracy A>
-    XKL_HOT V value(V a) const
-    {
-        return complex_power<R, A>(a, exponent());
-    }
-    XKL_HOT auto suspicious(V a, V y) const { return of_power<R>::rare(a, exponent(), y); }
-    status settle(complex<R> a, complex<R> &y) const { return of_power<R>::settle(a, b, y); }
 };
 
 template <class R>

@@ -328,6 +328,7 @@ TEST(AnnexG, ProductsQuotientsAndPowers)
         {"Pow", {0, 0}, {2, 1}, {0, 0}},
         {"Pow", {0, 0}, {-1, 0}, {any_inf, nan}, pole},
         {"Pow", {3, 4}, {2, 0}, {-7, 24}},
+        {"Pow", {2, 1}, {12, 0}, {11753, -10296}},
         {"Pow", {1, 2}, {nan, 1}, {nan, nan}},
     };
     for (const pair_row &each : rows)
