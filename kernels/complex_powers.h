@@ -1,8 +1,9 @@
 // Powers of complex numbers: Pow, Powx.
 //
-// a**b is exp(b*log(a)), and the errors of the logarithm grow with b*log(a), to a thousand times and more. So logarithm and
-// product are computed in two parts, with some 64 digits; that leaves the errors of exponential, sine and cosine.
-// Floats, and doubles of which half of the digits are wanted, are content with the plain formula.
+// a**b is exp(b*log(a)), and the errors of the logarithm grow with b*log(a), to a thousand times and more. So
+// logarithm and product are computed in two parts, with some 64 binary digits; that leaves the errors of
+// exponential, sine and cosine. Floats, and doubles of which half of the digits are wanted, are content with
+// the plain formula.
 #pragma once
 
 #include "complex_exponential.h"
@@ -10,8 +11,8 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
-/// Area tangent and (Sign = -1) arc tangent of small arguments, |t| < 0.18: the first two terms of the series in two parts,
-/// the others, up to t**25, in one.
+/// Area tangent and (Sign = -1) arc tangent of small arguments, |t| < 0.18: the first two terms of the series
+/// in two parts, the others, up to t**25, in one.
 template <int Sign>
 XKL_HOT split_number small_tangent_inverse(split_number t)
 {
@@ -25,8 +26,8 @@ XKL_HOT split_number small_tangent_inverse(split_number t)
     return sum(t, {Sign * cube.first, multiply_add(broadcast<double>(Sign), cube.second, tail)});
 }
 
-/// log(|a|) of a square that is neither denormal nor infinite: half of the square's exponent, and of its mantissa m the area
-/// tangent of (m - 1)/(m + 1)
+/// log(|a|) of a square that is neither denormal nor infinite: half of the square's exponent, and of its
+/// mantissa m the area tangent of (m - 1)/(m + 1)
 XKL_HOT split_number split_logarithm(split_number square)
 {
     using U = vec<uint64_t>;
@@ -44,8 +45,8 @@ XKL_HOT split_number split_logarithm(split_number square)
     return sum(tidied(power * half_of_ln2, power * its_rest), small_tangent_inverse<1>(t));
 }
 
-/// atan2(y, x): the angle from the nearest of the directions of 0, pi/16... pi/4, whose tangents are p, is the arc tangent of
-/// (y - p*x)/(x + p*y).
+/// atan2(y, x): the angle from the nearest of the directions of 0, pi/16... pi/4, whose tangents are p, is
+/// the arc tangent of (y - p*x)/(x + p*y).
 XKL_HOT split_number split_angle(complex_vec<double> a)
 {
     struct direction {
@@ -101,8 +102,7 @@ struct pow_core {
     template <class R>
     XKL_HOT static auto rare(complex_vec<R> a, complex_vec<R> b, complex_vec<R> y)
     {
-        return too_large_to_square(a) | too_small_to_square(a) | is_not_finite(b) | is_not_finite(y) |
-               (is_tiny(y.re) & is_tiny(y.im));
+        return too_large_to_square(a) | too_small_to_square(a) | is_not_finite(b) | is_extreme(y);
     }
     template <class C>
     static bool pole(C a, C b)
