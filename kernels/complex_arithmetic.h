@@ -39,12 +39,12 @@ struct mulbyconj_core : mul_core {
 };
 
 struct div_core {
-    static constexpr bool underflows = true;
+    static constexpr bool underflows = true, exacting = false;
     using V = complex_vec<double>;
     template <accuracy A>
     XKL_HOT V value(V a, V b) const
     {
-        const auto square = multiply_add(b.re, b.re, b.im * b.im);
+        const auto square = sum_of_products<accuracy::high>(b.re, b.re, b.im, b.im);
         return {sum_of_products<A>(a.re, b.re, a.im, b.im) / square,
                 sum_of_products<A>(a.im, b.re, -a.re, b.im) / square};
     }

@@ -1,12 +1,12 @@
 // What complex functions share: their rule, exact products, how a single element is settled.
 //
 // A complex function is an object Core with
-//   value<Accuracy>(complex_vec<double>...)  in doubles alone: floats go through the same code as doubles, where
-//                                            products are exact and nothing overflows, and are rounded right but for
-//                                            few
+//   value<Accuracy>(complex_vec<double>...)  in doubles alone: floats go through the same code, where products are
+//                                            exact and nothing overflows, and are rounded right but for a few
 //   rare<R>(pack..., y)                      lanes to settle; y is the result of R
 //   exact(wide...), pole(element...)         an element in long double; is it a pole?
 //   underflows                               whether a small result is told of
+//   exacting                                 whether 4 ULP take the form of high accuracy
 //
 // What is promised: the error of each part is at most 4 ULP of the larger part of the result, for Mul,
 // MulByConj and Abs 2 ULP, for other functions of floats 1 ULP; Arg and CIS are as accurate as Atan2 and
@@ -110,7 +110,7 @@ status settled(scalar::wide exact, complex<R> &y, As... a)
 
 /// Defaults of cores
 struct without_poles {
-    static constexpr bool underflows = false;
+    static constexpr bool underflows = false, exacting = false;
     template <class... As>
     static bool pole(As...)
     {
@@ -125,7 +125,9 @@ struct complex_function {
     template <accuracy A, class... Vs>
     XKL_HOT V value(V a, Vs... others) const
     {
-        return computed<Core, A>(Core{}, a, others...);
+        constexpr accuracy enough =
+            Core::exacting && A != accuracy::enhanced_performance ? accuracy::high : accuracy::low;
+        return computed < Core, A == accuracy::high ? A : enough > (Core{}, a, others...);
     }
     XKL_HOT auto suspicious(V a, V y) const { return Core::template rare<R>(a, y); }
     XKL_HOT auto suspicious(V a, V b, V y) const { return Core::template rare<R>(a, b, y); }

@@ -102,7 +102,7 @@ struct asinh_core : asin_core {
 
 /// log1p(4*x/((1 - x)**2 + y**2))/4 + i*atan2(2*y, (1 - x)*(1 + x) - y**2)/2
 struct atanh_core {
-    static constexpr bool underflows = false;
+    static constexpr bool underflows = false, exacting = false;
     template <accuracy A>
     XKL_HOT complex_vec<double> value(complex_vec<double> a) const
     {

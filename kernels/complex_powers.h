@@ -80,7 +80,7 @@ XKL_HOT split_number split_angle(complex_vec<double> a)
 }
 
 struct pow_core {
-    static constexpr bool underflows = true;
+    static constexpr bool underflows = true, exacting = true;
     template <accuracy A>
     XKL_HOT complex_doubles value(complex_doubles a, complex_doubles b) const
     {
@@ -111,22 +111,8 @@ struct pow_core {
     }
 };
 
-/// The core in the accuracy that 4 ULP take
-template <accuracy A, class R>
-XKL_HOT complex_vec<R> complex_power(complex_vec<R> a, complex_vec<R> b)
-{
-    constexpr bool half_of_digits = A == accuracy::enhanced_performance;
-    return computed < pow_core, half_of_digits ? accuracy::low : accuracy::high > (pow_core{}, a, b);
-}
-
 template <class R>
 struct complex_pow_function : complex_function<R, pow_core> {
-    using V = complex_vec<R>;
-    template <accuracy A>
-    XKL_HOT V value(V a, V b) const
-    {
-        return complex_power<A>(a, b);
-    }
 };
 
 template <class R>
@@ -137,7 +123,7 @@ struct complex_powx_function {
     template <accuracy A>
     XKL_HOT V value(V a) const
     {
-        return complex_power<A>(a, exponent());
+        return complex_function<R, pow_core>{}.template value<A>(a, exponent());
     }
     XKL_HOT auto suspicious(V a, V y) const { return pow_core::rare<R>(a, exponent(), y); }
     status settle(complex<R> a, complex<R> &y) const
