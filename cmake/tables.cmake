@@ -8,11 +8,14 @@ set(XKL_LAPACK_TABLE_NAMES
     general symmetric triangular orthogonal auxiliary functions matgen deprecated extensions)
 list(TRANSFORM XKL_LAPACK_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapack/ OUTPUT_VARIABLE XKL_LAPACK_TABLES)
 list(TRANSFORM XKL_LAPACK_TABLES APPEND .tbl)
+set(XKL_MATCOPY_TABLE_NAMES matcopy)
+set(XKL_MATCOPY_TABLES ${PROJECT_SOURCE_DIR}/src/matcopy/matcopy.tbl)
+set(XKL_LAPACKE_HELPERS ${PROJECT_SOURCE_DIR}/src/lapacke/helpers.tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 set(XKL_VML_TABLE ${PROJECT_SOURCE_DIR}/src/vml/vml.tbl)
 
 # For ./dev, which reads no CMake.
-foreach(family BLAS LAPACK)
+foreach(family BLAS LAPACK MATCOPY)
   string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
   file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
 endforeach()

@@ -23,13 +23,16 @@ commands:
   frame-header   bodies and checkers, declared
   forwarders     service forwarders
   shapes         the C interface's bodies                   (--shapes)
+  helpers        LAPACKE's NaN checks and layout copies
   companion, companion-exports  complex functions as values, for gfortran
   c-header       public C prototypes                        (--option: name of the header)
   cblas-header   public prototypes of the C interface       (--shapes)
+  helper-header  public prototypes of LAPACKE's helpers     (--option: name of the header)
   fortran        a Fortran module of explicit interfaces
   core-header    prototypes of the core's entries
   core-forwards  the default core's forwards and stand-ins  (--providers)
   core-own       the default core's own entries             (--providers; --option: their header)
+  core-calls     the core's entries by name and type, for its own code
   core-manifest  who serves each core entry                 (--providers)
   null-core, recording-core   cores for measurements and tests
   exports, version-script     exported names                (--shapes, if any)
@@ -85,6 +88,8 @@ void show(std::ostream &out, const routines &rows, const std::string &name)
         throw table_error("no table has the routine `" + name + "`; names are in upper case");
     if (found->family == "service")
         print_forwarders(out, {*found});
+    else if (found->frame.kind == "helper")
+        print_helpers(out, {*found});
     else
         print_frames(out, {*found}, found->family + "/checks.h");
 }
@@ -105,6 +110,8 @@ void run(const request &asked, std::ostream &out)
         {"frame-header", [&] { print_frame_header(out, rows); }},
         {"forwarders", [&] { print_forwarders(out, rows); }},
         {"shapes", [&] { print_shapes(out, shapes); }},
+        {"helpers", [&] { print_helpers(out, rows); }},
+        {"helper-header", [&] { print_helper_header(out, rows, asked.option); }},
         {"companion", [&] { print_companion(out, rows); }},
         {"companion-exports", [&] { print_companion_exports(out, rows); }},
         {"c-header", [&] { print_c_header(out, rows, asked.option); }},
@@ -113,6 +120,7 @@ void run(const request &asked, std::ostream &out)
         {"core-header", [&] { print_core_header(out, rows); }},
         {"core-forwards", [&] { print_core_forwards(out, rows, providers); }},
         {"core-own", [&] { print_core_own(out, rows, providers, asked.option); }},
+        {"core-calls", [&] { print_core_calls(out, rows); }},
         {"core-manifest", [&] { print_core_manifest(out, rows, providers); }},
         {"null-core", [&] { print_null_core(out, rows); }},
         {"recording-core", [&] { print_recording_core(out, rows); }},
@@ -136,8 +144,8 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports", "version-script", "fortran",      "formats",
-        "show",    "c-header",       "cblas-header", "companion-exports"};
+        "exports",  "version-script", "fortran",           "formats",      "show",
+        "c-header", "cblas-header",   "companion-exports", "helper-header"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

@@ -24,7 +24,8 @@ std::string threader_prototype(const vml_form &form)
            vml_declared(vml_kernel_arguments(form)) + ", void *library, float cost)";
 }
 
-/// `strided_vector{a, inca}, one_scalar{b}`: every vector with its increment, and told from addresses of scalars
+/// `strided_vector{a, inca}, one_scalar{b}`: every vector with its increment, and told from addresses of
+/// scalars
 std::string wrapped_arguments(const vml_form &form)
 {
     std::string text;

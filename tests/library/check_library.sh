@@ -20,7 +20,7 @@ comm -23 "$scratch/golden" "$scratch/built" >"$scratch/missing"
 
 # Imports: the core's entries, and of libc only what ends the process.
 nm -D --undefined-only "$library" | awk '{print $NF}' | sed 's/@.*//' | sort -u |
-    grep -vE '^(xkl_(serv|blas|lapack)_.*|exit|__cxa_finalize|__gmon_start__|_ITM_.*)$' >"$scratch/foreign" || true
+    grep -vE '^(xkl_(serv|blas|lapack|trans)_.*|exit|__cxa_finalize|__gmon_start__|_ITM_.*)$' >"$scratch/foreign" || true
 [ ! -s "$scratch/foreign" ] || complain "imports that are neither the core's nor allowed: $(tr '\n' ' ' <"$scratch/foreign")"
 
 needed=$(readelf -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | tr '\n' ' ')
