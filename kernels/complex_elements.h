@@ -1,8 +1,8 @@
 // What complex functions share: their rule, exact products, how a single element is settled.
 //
 // A complex function is an object Core with
-//   value<Accuracy>(complex_vec<double>...)  doubles alone: floats go through the same code; their products are
-//                                            exact and nothing overflows; they are rounded right but for few
+//   value<Accuracy>(complex_vec<double>...)  doubles alone: floats go through the same code, whose products
+//                                            are exact then; nothing overflows, and few are rounded wrong
 //   rare<R>(pack..., y)                      lanes to settle; y is the result of R
 //   exact(wide...), pole(element...)         an element in long double; is it a pole?
 //   underflows                               whether a small result is told of
