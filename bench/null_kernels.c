@@ -14,11 +14,6 @@ int xkl_serv_vml_cpu_detect(void)
 {
     return 0;
 }
-int xkl_serv_getenv(const char *name, char *buffer, int size)
-{
-    (void)name, (void)buffer, (void)size;
-    return 0;
-}
 int xkl_serv_print(int flag, int number, int count, ...)
 {
     (void)flag, (void)number, (void)count;
