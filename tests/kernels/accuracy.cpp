@@ -13,14 +13,6 @@ namespace {
 
 constexpr size_t same_scalar = 16; // elements of a call that has one scalar for all
 
-const kernel_row *find_row(const std::string &name)
-{
-    for (int i = 0; i < kernel_row_count; ++i)
-        if (name == kernel_rows[i].name)
-            return &kernel_rows[i];
-    return nullptr;
-}
-
 /// Distance in units of the last place that a result as large as `size` has. What is beyond the largest number counts
 /// as the number that would follow it, so that an infinity just above the limit is no worse than any other rounding.
 double in_units(const number &distance, const number &size, const format &f)
