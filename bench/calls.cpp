@@ -2,6 +2,8 @@
 // The cost of a frame is the difference between its case and the case of the bare core call.
 #include "core_blas.h"
 #include "core_lapack.h"
+#include "core_matcopy.h"
+#include "core_vml.h"
 #include "xkl.h"
 
 #include <cstdio>
@@ -37,6 +39,11 @@ const measured cases[] = {
     {"dgetri", [] { dgetri(&n, a, &n, ipiv, b, &n, &info); }},
     {"core_dpotf2", [] { xkl_lapack_dpotf2(letter, &n, a, &n, &info, 1); }},
     {"dpotf2", [] { dpotf2(letter, &n, a, &n, &info); }},
+    {"core_domatcopy", [] { xkl_trans_xkl_domatcopy('C', 'T', 2, 2, 1.0, a, 2, b, 2); }},
+    {"domatcopy", [] { XKL_Domatcopy('C', 'T', 2, 2, 1.0, a, 2, b, 2); }},
+    {"core_vdexp", [] { xkl_vml_serv_threader_d_1i_1o(nullptr, 1, a, b, nullptr, 1); }},
+    {"vdexp", [] { vdExp(1, a, b); }},
+    {"vmdexp", [] { vmdExp(1, a, b, VML_LA); }},
     {"cblas_dgemm_row",
      [] { cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2); }},
     {"cblas_dgemm_column",

@@ -26,7 +26,7 @@ done
 
 heading "1. C" "examples/pca.c, through the C interface: where do 150 irises differ most?"
 "$programs/pca" "$data/iris.csv"
-heading "2. Fortran" "examples/least_squares.f90, 64-bit integers and the module of explicit interfaces:" \
+heading "2. Fortran" "examples/least_squares.f90, LAPACK with 64-bit integers and explicit interfaces:" \
     "what made employment rise in the United States from 1947 to 1962?"
 "$programs/least_squares" "$data/longley.csv"
 heading "3. Fortran with complex functions" "examples/sunspots.f90, with the companion library in front:" \

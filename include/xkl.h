@@ -5,7 +5,9 @@
 #include "xkl_blas.h"
 #include "xkl_cblas.h"
 #include "xkl_lapack.h"
+#include "xkl_matcopy.h"
 #include "xkl_service.h"
 #include "xkl_types.h"
+#include "xkl_vml.h"
 
 #endif

@@ -1,7 +1,8 @@
 /* xkl_types.h: the types that all headers of the library share.
  *
  * Integers are 64-bit signed everywhere, but for the service controls, the enumerations and cblas_xerbla's
- * position, which are 32-bit. Nothing here depends on how the program's own int is wide. */
+ * position, which are 32-bit, and the sizes of the matrix copies, which are unsigned. Nothing here depends on
+ * how the program's own int is wide. */
 #ifndef XKL_TYPES_H
 #define XKL_TYPES_H
 

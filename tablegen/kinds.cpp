@@ -26,8 +26,8 @@ const std::map<std::string, std::string> storage_types = {
 };
 
 const std::set<std::string> letter_kinds = {
-    "c", "i", "e", "l", "t", "r", "z", "r4", "r8", "z4", "z8", "p",  "info", "j",
-    "q", "v", "C", "I", "L", "T", "R", "Z",  "R4", "R8", "Z4", "Z8", "P",    "N",
+    "c", "i", "e", "l", "t", "r", "z", "r4", "r8", "z4", "z8", "p", "info", "j", "q",
+    "v", "C", "I", "L", "T", "R", "Z", "R4", "R8", "Z4", "Z8", "P", "N",    "Q",
 };
 
 const std::map<std::string, std::string> results = {
@@ -83,6 +83,12 @@ bool kind_fits(const std::string &kind, char element)
 {
     static const std::set<std::string> typed = {"t", "r", "z", "T", "R", "Z", "P"};
     return element != 0 || !typed.contains(kind);
+}
+
+bool kind_has_value(const std::string &kind)
+{
+    static const std::set<std::string> known = {"c", "q", "t", "C", "Q", "T", "P"};
+    return known.contains(kind);
 }
 
 bool result_exists(const std::string &result)
@@ -164,6 +170,23 @@ std::string c_result(const routine &row)
     return results.at(row.result);
 }
 
+bool goes_by_value(const argument &arg, char element)
+{
+    return is_scalar(arg.kind) && !is_complex(arg.kind, element);
+}
+
+std::string valued_type(const argument &arg, char element)
+{
+    return goes_by_value(arg, element) ? c_element(arg.kind, element) + " " : c_type(arg, element);
+}
+
+std::string valued_conversion(const argument &arg, char element, bool by_value)
+{
+    if (!goes_by_value(arg, element))
+        return "%p";
+    return arg.kind == "c" ? "%c" : arg.kind == "t" ? "%f" : by_value ? "%zu" : "%d";
+}
+
 char trace_kind(const argument &arg, bool group)
 {
     const std::string &kind = arg.kind;
@@ -204,7 +227,8 @@ bool is_service_value(const argument &arg)
 
 std::string fortran_declaration(const argument &arg, char element, std::string &shape)
 {
-    const std::string intent = arg.written ? ", intent(inout) :: " : ", intent(in) :: ";
+    const bool written = arg.written || arg.kind == "info";
+    const std::string intent = written ? ", intent(inout) :: " : ", intent(in) :: ";
     const bool array = !is_scalar(arg.kind) && arg.kind != "*handle";
     shape = array ? "(*)" : "";
     if (is_storage(arg.kind)) {
@@ -227,6 +251,7 @@ std::string fortran_declaration(const argument &arg, char element, std::string &
     case 'p':
         return "logical(8), external :: ";
     case 'i':
+    case 'q':
         return "integer(8)" + intent;
     case 'l':
         return "logical(8)" + intent;

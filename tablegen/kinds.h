@@ -7,6 +7,7 @@ namespace tablegen {
 
 bool kind_exists(const std::string &kind);
 bool kind_fits(const std::string &kind, char element);
+bool kind_has_value(const std::string &kind); // valued frames know what it is by value
 bool result_exists(const std::string &result);
 bool spelling_rule_exists(const std::string &rule);
 
@@ -24,6 +25,13 @@ std::string c_result(const routine &row);
 
 /// How a trace line prints the argument: c character, i 64-bit integer, e 32-bit integer, p address.
 char trace_kind(const argument &arg, bool group);
+
+/// Whether the C spelling of a valued frame takes what the Fortran spellings read through an address.
+bool goes_by_value(const argument &arg, char element);
+/// `double ` for alpha:t of such a spelling in a D routine, `const double *` for a:T.
+std::string valued_type(const argument &arg, char element);
+/// How a line about a valued call prints the argument; sizes differ between the two bodies.
+std::string valued_conversion(const argument &arg, char element, bool by_value);
 
 /// `%c`, `%lli` or `%p`.
 std::string trace_conversion(char trace_kind);

@@ -17,25 +17,33 @@ namespace {
 
 const char usage[] =
     R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--vml FILE]
-                        [--option TEXT]
+                        [--settings FILE] [--option TEXT]
 commands:
   frames         bodies and checkers under every spelling   (--option: header of the family's checks)
   frame-header   bodies and checkers, declared
   forwarders     service forwarders
   shapes         the C interface's bodies                   (--shapes)
+  helpers        LAPACKE's NaN checks and layout copies
   companion, companion-exports  complex functions as values, for gfortran
   c-header       public C prototypes                        (--option: name of the header)
   cblas-header   public prototypes of the C interface       (--shapes)
+  helper-header  public prototypes of LAPACKE's helpers     (--option: name of the header)
   fortran        a Fortran module of explicit interfaces
   core-header    prototypes of the core's entries
   core-forwards  the default core's forwards and stand-ins  (--providers)
   core-own       the default core's own entries             (--providers; --option: their header)
+  core-calls     the core's entries by name and type, for its own code
   core-manifest  who serves each core entry                 (--providers)
   null-core, recording-core   cores for measurements and tests
-  exports, version-script     exported names                (--shapes, if any)
+  exports, version-script     exported names                (--shapes, --vml, --settings, if any)
   test-rows, cblas-test-rows  what table-driven tests walk
   vml-core-header  prototypes of the vector math threaders   (--vml, as the rest of this group)
   vml-threaders    the default core's threaders
+  vml-frames       entry points                              (--option: the types they are for)
+  vml-settings     operations on mode, status and callback   (--settings)
+  vml-header       public C prototypes                       (--settings)
+  vml-fortran      a Fortran module of explicit interfaces
+  vml-test-rows, vml-recording-core, vml-recording-kernels, vml-null-core  for tests and measurements
   vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
   vml-kernel-tables  the tables of the kernel library         (--providers)
   vml-kernel-rows  what tests of the kernels walk            (--providers)
@@ -44,7 +52,7 @@ commands:
 )";
 
 struct request {
-    std::string command, output, shapes, vml, option;
+    std::string command, output, shapes, vml, settings, option;
     std::vector<std::string> tables, providers;
 };
 
@@ -69,6 +77,8 @@ request parse(int argc, char **argv)
             asked.shapes = word;
         else if (option == "--vml")
             asked.vml = word;
+        else if (option == "--settings")
+            asked.settings = word;
         else if (option == "--option")
             asked.option = word;
         else
@@ -85,6 +95,8 @@ void show(std::ostream &out, const routines &rows, const std::string &name)
         throw table_error("no table has the routine `" + name + "`; names are in upper case");
     if (found->family == "service")
         print_forwarders(out, {*found});
+    else if (found->frame.kind == "helper")
+        print_helpers(out, {*found});
     else
         print_frames(out, {*found}, found->family + "/checks.h");
 }
@@ -95,6 +107,9 @@ void run(const request &asked, std::ostream &out)
     const auto functions = asked.vml.empty() ? vml_functions{} : read_vml_table(asked.vml);
     if (rows.empty() && functions.empty())
         throw table_error("no rows: name at least one table behind --tables, or one behind --vml");
+    const auto settings =
+        asked.settings.empty() ? std::vector<vml_setting>{} : read_vml_settings(asked.settings);
+    const auto more_names = vml_exported_names(functions, settings);
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
     const bool of_kernels = asked.command.starts_with("vml-kernel");
     const auto kernels =
@@ -105,6 +120,8 @@ void run(const request &asked, std::ostream &out)
         {"frame-header", [&] { print_frame_header(out, rows); }},
         {"forwarders", [&] { print_forwarders(out, rows); }},
         {"shapes", [&] { print_shapes(out, shapes); }},
+        {"helpers", [&] { print_helpers(out, rows); }},
+        {"helper-header", [&] { print_helper_header(out, rows, asked.option); }},
         {"companion", [&] { print_companion(out, rows); }},
         {"companion-exports", [&] { print_companion_exports(out, rows); }},
         {"c-header", [&] { print_c_header(out, rows, asked.option); }},
@@ -113,15 +130,24 @@ void run(const request &asked, std::ostream &out)
         {"core-header", [&] { print_core_header(out, rows); }},
         {"core-forwards", [&] { print_core_forwards(out, rows, providers); }},
         {"core-own", [&] { print_core_own(out, rows, providers, asked.option); }},
+        {"core-calls", [&] { print_core_calls(out, rows); }},
         {"core-manifest", [&] { print_core_manifest(out, rows, providers); }},
         {"null-core", [&] { print_null_core(out, rows); }},
         {"recording-core", [&] { print_recording_core(out, rows); }},
-        {"exports", [&] { print_exports(out, rows, shapes); }},
-        {"version-script", [&] { print_version_script(out, rows, shapes); }},
+        {"exports", [&] { print_exports(out, rows, shapes, more_names); }},
+        {"version-script", [&] { print_version_script(out, rows, shapes, more_names); }},
         {"test-rows", [&] { print_test_rows(out, rows); }},
         {"cblas-test-rows", [&] { print_cblas_test_rows(out, shapes); }},
         {"vml-core-header", [&] { print_vml_core_header(out, functions); }},
         {"vml-threaders", [&] { print_vml_threaders(out, functions); }},
+        {"vml-frames", [&] { print_vml_frames(out, functions, asked.option); }},
+        {"vml-settings", [&] { print_vml_settings(out, settings); }},
+        {"vml-header", [&] { print_vml_header(out, functions, settings); }},
+        {"vml-fortran", [&] { print_vml_fortran(out, functions); }},
+        {"vml-test-rows", [&] { print_vml_test_rows(out, functions); }},
+        {"vml-recording-core", [&] { print_vml_recording_core(out, functions); }},
+        {"vml-recording-kernels", [&] { print_vml_recording_kernels(out, functions); }},
+        {"vml-null-core", [&] { print_vml_null_core(out, functions); }},
         {"vml-kernels", [&] { print_vml_kernels(out, functions, kernels, asked.option); }},
         {"vml-kernel-rows", [&] { print_vml_kernel_rows(out, functions, kernels); }},
         {"vml-kernel-tables", [&] { print_vml_kernel_tables(out, functions, kernels); }},
@@ -136,8 +162,8 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports", "version-script", "fortran",      "formats",
-        "show",    "c-header",       "cblas-header", "companion-exports"};
+        "exports",      "version-script",    "fortran",    "formats",     "show",         "c-header",
+        "cblas-header", "companion-exports", "vml-header", "vml-fortran", "helper-header"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

@@ -24,6 +24,10 @@ const std::map<std::string, name_list (*)(const std::string &, const std::string
     {"lapack", with_64},
     {"timer", with_64},
     {"lsame", with_64},
+    {"lapacke",
+     [](const std::string &, const std::string &l) {
+         return name_list{"LAPACKE_" + l, "LAPACKE_" + l + "_64"};
+     }},
     {"direct",
      [](const std::string &u, const std::string &l) {
          return name_list{l, l + "_", u};
@@ -51,6 +55,13 @@ std::string mixed_spelling(const routine &row)
     return is_forward(row) ? row.frame.option : "";
 }
 
+/// XKL_Domatcopy: capitals to the type's letter.
+std::string valued_spelling(const routine &row)
+{
+    const std::size_t head = std::string("XKL_D").size();
+    return row.name.substr(0, head) + to_lower(row.name.substr(head));
+}
+
 } // namespace
 
 bool spelling_rule_exists(const std::string &rule)
@@ -60,6 +71,8 @@ bool spelling_rule_exists(const std::string &rule)
 
 std::string mixed_body(const routine &row)
 {
+    if (row.is_valued())
+        return valued_spelling(row);
     const bool own_body = row.frame.kind == "forward-mixed" || reads_values(row);
     return own_body ? mixed_spelling(row) : "";
 }
@@ -117,6 +130,8 @@ std::string checker(const routine &row)
 
 std::string reported_name(const routine &row)
 {
+    if (row.is_valued())
+        return row.lower();
     std::string name = row.name;
     if (name.size() < 6)
         name.resize(6, ' ');
@@ -141,8 +156,18 @@ std::string trace_kinds(const routine &row)
     return kinds;
 }
 
+std::string valued_format(const routine &row, bool by_value)
+{
+    std::string text = row.name + "(";
+    for (const argument &each : row.arguments)
+        text += (text.back() == '(' ? "" : ", ") + valued_conversion(each, row.element, by_value);
+    return text + ")";
+}
+
 std::string trace_format(const routine &row)
 {
+    if (row.is_valued())
+        return valued_format(row, false);
     std::string text = row.name + "(";
     for (const char kind : trace_kinds(row))
         text += (text.back() == '(' ? "" : ",") + trace_conversion(kind);
@@ -151,6 +176,8 @@ std::string trace_format(const routine &row)
 
 int hidden_lengths(const routine &row)
 {
+    if (row.is_valued())
+        return 0;
     return static_cast<int>(std::count_if(row.arguments.begin(), row.arguments.end(), is_character));
 }
 

@@ -14,8 +14,8 @@ std::vector<std::string> other_spellings(const routine &row);
 /// The spellings that programs use, the plain lower-case one first: those of the public header.
 std::vector<std::string> public_spellings(const routine &row);
 
-/// The mixed-case C spelling of a forwarder where it is a body of its own, because it takes values that the
-/// Fortran spellings read through addresses; otherwise empty.
+/// The mixed-case C spelling where it is a body of its own, because it takes values that the Fortran
+/// spellings read through addresses; otherwise empty.
 std::string mixed_body(const routine &row);
 
 std::string core_entry(const routine &row);
@@ -27,6 +27,8 @@ std::string reported_name(const routine &row);
 /// The trace line's format: `DGEMM(%c,%c,%lli,...)`.
 std::string trace_format(const routine &row);
 std::string trace_kinds(const routine &row);
+/// The same for the two bodies of a valued frame: `XKL_DOMATCOPY(%c, %c, %d, ...)`, or with %zu by value.
+std::string valued_format(const routine &row, bool by_value);
 
 /// All exported names of a routine, its checker included.
 std::vector<std::string> exported_names(const routine &row);

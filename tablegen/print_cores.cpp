@@ -5,6 +5,7 @@
 #include "names.h"
 #include "printers.h"
 
+#include <algorithm>
 #include <map>
 #include <ostream>
 #include <set>
@@ -99,8 +100,8 @@ void print_core_own(std::ostream &out, const routines &rows, const std::vector<p
 {
     const std::string folder = rows.front().family;
     // The element types come first: the templates have the core's, and so must the prototypes.
-    out << "#include \"" << folder << "/elements.h\"\n#include \"" << folder << "/" << header
-        << ".h\" // named by the core's providers.tbl\n";
+    out << "#include \"blas/elements.h\"\n#include \"core_" << folder << ".h\"\n#include \"" << folder
+        << "/" << header << ".h\" // named by the core's providers.tbl\n";
     bool found = false;
     for (const routine &row : rows) {
         const provider *by = provider_of(row, providers);
@@ -115,6 +116,27 @@ void print_core_own(std::ostream &out, const routines &rows, const std::vector<p
     }
     if (!found)
         throw table_error("no provider is `own:" + header + "`");
+}
+
+void print_core_calls(std::ostream &out, const routines &rows)
+{
+    out << "// An entry by its routine's name without the type: gemm<float> is xkl_blas_sgemm.\n"
+        << "#pragma once\nnamespace xkl::core::entries {\n";
+    // Types of two letters come last, where no type of one letter has the name: nrm2<XKL_Complex8> is SCNRM2.
+    routines entries = with_entries(rows);
+    std::stable_partition(entries.begin(), entries.end(),
+                          [](const routine &row) { return row.name.size() == row.untyped.size() + 1; });
+    std::set<std::string> names;
+    std::set<std::pair<std::string, char>> types;
+    for (const routine &row : entries) {
+        if (row.untyped.empty() || !types.emplace(row.untyped, row.element).second)
+            continue;
+        if (names.insert(row.untyped).second)
+            out << "template <class T>\ninline constexpr decltype(nullptr) " << row.untyped << "{};\n";
+        out << "template <>\ninline constexpr auto *" << row.untyped << "<" << c_element("t", row.element)
+            << "> = " << core_entry(row) << ";\n";
+    }
+    out << "}\n";
 }
 
 void print_core_manifest(std::ostream &out, const routines &rows, const std::vector<provider> &providers)
@@ -142,22 +164,41 @@ void print_null_core(std::ostream &out, const routines &rows)
         out << "__attribute__((weak)) void " << core_entry(row) << "(void) {}\n";
 }
 
+/// The parameters of a recording entry, a word each but for values that a caller passes otherwise, and the
+/// words that it records.
+struct recorded_list {
+    std::string parameters, words;
+};
+
+recorded_list recorded_list_of(const routine &row)
+{
+    recorded_list list;
+    for (int i = 0; i < entry_words(row); ++i) {
+        std::string type = "int64_t ", name = "a" + std::to_string(i), word = name;
+        if (row.is_valued()) {
+            const argument &each = row.arguments[static_cast<std::size_t>(i)];
+            const std::string value = valued_type(each, row.element);
+            const bool real = value == "float " || value == "double ";
+            type = real || value == "char " ? value : type;
+            word = real ? "recorded_bits(" + name + ")" : name;
+        }
+        list.parameters += (i ? ", " : "") + type + name;
+        list.words += (i ? ", " : "") + word;
+    }
+    return list;
+}
+
 void print_recording_core(std::ostream &out, const routines &rows)
 {
     out << "#include \"recorder.h\"\n#include \"xkl_types.h\"\n\nextern \"C\" {\n";
     for (const routine &row : with_entries(rows)) {
-        const int words = entry_words(row);
+        const recorded_list list = recorded_list_of(row);
         // Addresses come back as the integers that they are.
         const bool address = row.result.starts_with("=") || row.result == "pointer";
         const std::string result = address ? "int64_t" : c_result(row);
         // Weak, so that the entries that the tests' core implements itself win.
-        out << "[[gnu::weak]] " << result << " " << core_entry(row) << "(";
-        for (int i = 0; i < words; ++i)
-            out << (i ? ", " : "") << "int64_t a" << i;
-        out << ")\n{\n    record(\"" << core_entry(row) << "\", {";
-        for (int i = 0; i < words; ++i)
-            out << (i ? ", a" : "a") << i;
-        out << "});\n";
+        out << "[[gnu::weak]] " << result << " " << core_entry(row) << "(" << list.parameters
+            << ")\n{\n    record(\"" << core_entry(row) << "\", {" << list.words << "});\n";
         if (result == "float" || result == "double")
             out << "    return static_cast<" << result << ">(recorded_real());\n";
         else if (row.result == "complex")

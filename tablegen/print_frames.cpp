@@ -40,6 +40,8 @@ std::string row_structure(const routine &row)
 
 void print_row(std::ostream &out, const routine &row)
 {
+    if (row.is_valued())
+        return print_valued_row(out, row);
     out << "struct " << row_structure(row) << " {\n"
         << "    static constexpr auto &core = " << core_entry(row) << ";\n"
         << "    static constexpr int hidden_lengths = " << hidden_lengths(row) << ";\n"
@@ -68,6 +70,16 @@ void print_checker(std::ostream &out, const routine &row)
         << argument_names(all_arguments(row)) << ");\n}\n";
 }
 
+/// The one body that all spellings share, behind its checker.
+void print_body(std::ostream &out, const routine &row)
+{
+    if (row.has_checker())
+        print_checker(out, row);
+    out << "extern \"C\" " << c_result(row) << " " << body_symbol(row) << "(" << parameter_list(row)
+        << ")\n{\n    return xkl::" << row.frame.kind << "_frame<" << row_structure(row) << ">("
+        << argument_names(all_arguments(row)) << ");\n}\n";
+}
+
 } // namespace
 
 std::string quoted(const std::string &text)
@@ -93,6 +105,8 @@ std::string parameter_list(const routine &row)
 
 std::string visible_parameter_list(const routine &row)
 {
+    if (row.is_valued())
+        return valued_parameter_list(row);
     std::string text = parameter_list(row);
     for (int i = hidden_lengths(row) + (row.frame.group ? 1 : 0); i > 0; --i)
         text += ", int64_t";
@@ -101,6 +115,8 @@ std::string visible_parameter_list(const routine &row)
 
 std::string core_parameter_list(const routine &row, bool named)
 {
+    if (row.is_valued())
+        return valued_parameter_list(row, named);
     std::vector<std::string> parts;
     const auto add = [&](const std::string &type, const std::string &name) {
         parts.push_back(named ? type + name : type);
@@ -126,12 +142,10 @@ void print_frames(std::ostream &out, const routines &rows, const std::string &ch
             << row.frame.kind << ".h)\nnamespace {\n";
         print_row(out, row);
         out << "}\n";
-        if (row.has_checker())
-            print_checker(out, row);
-        out << "extern \"C\" " << c_result(row) << " " << body_symbol(row) << "(" << parameter_list(row)
-            << ")\n{\n"
-            << "    return xkl::" << row.frame.kind << "_frame<" << row_structure(row) << ">("
-            << argument_names(all_arguments(row)) << ");\n}\n";
+        if (row.is_valued())
+            print_valued_bodies(out, row);
+        else
+            print_body(out, row);
         print_aliases(out, row);
     }
 }

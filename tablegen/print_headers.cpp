@@ -71,18 +71,6 @@ std::string guard_of(std::string header)
     return header;
 }
 
-void print_prologue(std::ostream &out, const std::string &header, const std::string &text)
-{
-    out << "/* " << header << ": " << text << " */\n#ifndef " << guard_of(header) << "\n#define "
-        << guard_of(header)
-        << "\n\n#include \"xkl_types.h\"\n\n#ifdef __cplusplus\nextern \"C\" {\n#endif\n";
-}
-
-void print_epilogue(std::ostream &out)
-{
-    out << "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
-}
-
 const char blas_text[] =
     "the Fortran interface of BLAS and its extensions, as C sees it.\n"
     "   Every argument goes by address; characters are read as one letter in either case and\n"
@@ -98,14 +86,37 @@ const char lapack_text[] =
     "   computation did not succeed, as the routine's own documentation tells. A workspace size of -1\n"
     "   asks for the best sizes, which come back in the first elements of the workspaces. Complex\n"
     "   functions return their values";
+const char matcopy_text[] =
+    "copies, transposes and adds matrices that are stored by columns or by rows.\n"
+    "   ordering is C for matrices stored by columns, element (i,j) from 0 at a[i + j*lda], and R for\n"
+    "   those stored by rows, at a[i*lda + j]. op, the letter trans in either case, is N (the matrix as\n"
+    "   it is), T (transposed), C (transposed and conjugated) or R (conjugated). rows and cols are the\n"
+    "   source's, for the sums those of the result. Sizes, leading dimensions and strides are unsigned\n"
+    "   and count elements. A bad argument is reported to xerbla with the routine's lower-case name and\n"
+    "   the argument's place in the list, from 1, and nothing is written, but for the cases that stand\n"
+    "   below; a leading dimension of 0 is bad even for an empty matrix. The mixed-case spellings are\n"
+    "   for C and take values, complex scalars by address. The others are for Fortran and read every\n"
+    "   argument through its address";
 const char service_text[] =
     "the library's own controls: version, threads, memory, tracing, reproducible\n"
     "   results, callbacks. Upper- and lower-case spellings are for Fortran and read values through\n"
     "   addresses; mixed-case spellings are for C and take values";
 const std::map<std::string, const char *> family_texts = {
-    {"blas", blas_text}, {"lapack", lapack_text}, {"service", service_text}};
+    {"blas", blas_text}, {"lapack", lapack_text}, {"matcopy", matcopy_text}, {"service", service_text}};
 
 } // namespace
+
+void print_prologue(std::ostream &out, const std::string &header, const std::string &text)
+{
+    out << "/* " << header << ": " << text << " */\n#ifndef " << guard_of(header) << "\n#define "
+        << guard_of(header)
+        << "\n\n#include \"xkl_types.h\"\n\n#ifdef __cplusplus\nextern \"C\" {\n#endif\n";
+}
+
+void print_epilogue(std::ostream &out)
+{
+    out << "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
+}
 
 void print_c_header(std::ostream &out, const routines &rows, const std::string &header)
 {
@@ -118,8 +129,11 @@ void print_c_header(std::ostream &out, const routines &rows, const std::string &
         about = row.about;
         if (service)
             print_service(out, row);
-        else
+        else {
+            if (row.is_valued())
+                out << declaration(row, mixed_body(row), valued_parameter_list(row));
             print_spellings(out, row, public_spellings(row));
+        }
     }
     print_epilogue(out);
 }

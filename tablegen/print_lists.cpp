@@ -9,9 +9,10 @@
 namespace tablegen {
 namespace {
 
-std::set<std::string> all_names(const routines &rows, const std::vector<shaped> &shapes)
+std::set<std::string> all_names(const routines &rows, const std::vector<shaped> &shapes,
+                                const std::set<std::string> &more)
 {
-    std::set<std::string> names;
+    std::set<std::string> names = more;
     for (const routine &row : rows)
         for (const std::string &name : exported_names(row))
             names.insert(name);
@@ -22,16 +23,18 @@ std::set<std::string> all_names(const routines &rows, const std::vector<shaped> 
 
 } // namespace
 
-void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes)
+void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
+                   const std::set<std::string> &more)
 {
-    for (const std::string &name : all_names(rows, shapes))
+    for (const std::string &name : all_names(rows, shapes, more))
         out << name << "\n";
 }
 
-void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes)
+void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
+                          const std::set<std::string> &more)
 {
     out << "{\n  global:\n";
-    for (const std::string &name : all_names(rows, shapes))
+    for (const std::string &name : all_names(rows, shapes, more))
         out << "    " << name << ";\n";
     out << "  local: *;\n};\n";
 }

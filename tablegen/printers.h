@@ -5,6 +5,7 @@
 #include "table.h"
 
 #include <iosfwd>
+#include <set>
 
 namespace tablegen {
 
@@ -15,12 +16,14 @@ void print_frames(std::ostream &out, const routines &rows, const std::string &ch
 void print_frame_header(std::ostream &out, const routines &rows);
 void print_forwarders(std::ostream &out, const routines &rows);
 void print_shapes(std::ostream &out, const std::vector<shaped> &rows);
+void print_helpers(std::ostream &out, const routines &rows);
 void print_companion(std::ostream &out, const routines &rows);
 void print_companion_exports(std::ostream &out, const routines &rows);
 
 // What a user's program compiles against.
 void print_c_header(std::ostream &out, const routines &rows, const std::string &header);
 void print_cblas_header(std::ostream &out, const std::vector<shaped> &rows);
+void print_helper_header(std::ostream &out, const routines &rows, const std::string &header);
 void print_fortran_module(std::ostream &out, const routines &rows);
 
 // Cores: the entries' prototypes, the default core's forwards, stand-ins and own entries, and two cores for
@@ -29,22 +32,31 @@ void print_core_header(std::ostream &out, const routines &rows);
 void print_core_forwards(std::ostream &out, const routines &rows, const std::vector<provider> &providers);
 void print_core_own(std::ostream &out, const routines &rows, const std::vector<provider> &providers,
                     const std::string &header);
+void print_core_calls(std::ostream &out, const routines &rows);
 void print_core_manifest(std::ostream &out, const routines &rows, const std::vector<provider> &providers);
 void print_null_core(std::ostream &out, const routines &rows);
 void print_recording_core(std::ostream &out, const routines &rows);
 
-// Lists.
-void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes);
-void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes);
+// Lists; `more` are names that no row gives.
+void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
+                   const std::set<std::string> &more);
+void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
+                          const std::set<std::string> &more);
 void print_test_rows(std::ostream &out, const routines &rows);
 void print_cblas_test_rows(std::ostream &out, const std::vector<shaped> &rows);
 
 // Shared by the printers.
+void print_prologue(std::ostream &out, const std::string &header, const std::string &text);
+void print_epilogue(std::ostream &out);
 std::string parameter_list(const routine &row);         // const char *transa, ...
 std::string visible_parameter_list(const routine &row); // with types only for what is behind the list
 std::string core_parameter_list(const routine &row,
                                 bool named = true);            // with the trailing 0 and hidden lengths
 std::string argument_names(const std::vector<argument> &args); // transa, ...
+std::string valued_parameter_list(const routine &row,
+                                  bool named = true); // char ordering, ..., double alpha, ...
+void print_valued_row(std::ostream &out, const routine &row);
+void print_valued_bodies(std::ostream &out, const routine &row); // with their checker
 std::string cblas_name(const shaped &row);
 std::vector<argument> cblas_arguments(const shaped &row);
 std::string cblas_parameter_list(const shaped &row);

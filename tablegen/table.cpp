@@ -112,15 +112,17 @@ frame_spec parse_frame(const reader &at, std::string text)
     }
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
-    static const std::set<std::string> known = {"checked", "guarded", "registered",    "traced",
-                                                "through", "forward", "forward-mixed", "own"};
+    static const std::set<std::string> known = {"checked", "guarded", "registered",    "traced", "through",
+                                                "valued",  "forward", "forward-mixed", "helper", "own"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
-                "`; frames are checked, guarded, registered, traced, through, forward, forward-mixed, "
-                "own");
-    const bool checks = frame.kind == "checked" || frame.kind == "guarded";
-    if (checks != !frame.rule.empty() && frame.kind != "forward")
-        at.fail("a checked or guarded frame, and no other, names its checks: `checked:gemm`");
+                "`; frames are checked, guarded, registered, traced, through, valued, forward, "
+                "forward-mixed, helper, own");
+    static const std::set<std::string> ruled = {"checked", "guarded", "valued", "helper"};
+    if (ruled.contains(frame.kind) != !frame.rule.empty() && frame.kind != "forward")
+        at.fail(
+            "a checked, guarded or valued frame names its checks (`checked:gemm`), a helper its template "
+            "(`helper:tr_trans`), and no other frame has a rule");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
         at.fail("only checked and traced frames have a group form");
     return frame;
@@ -164,6 +166,7 @@ char element_of(const reader &at, const std::string &prefix)
 struct instance {
     std::string name;
     char element;
+    std::string untyped;
 };
 
 std::vector<instance> expand(const reader &at, const std::string &pattern, const std::string &types)
@@ -172,11 +175,13 @@ std::vector<instance> expand(const reader &at, const std::string &pattern, const
     if ((mark == std::string::npos) != (types == "-"))
         at.fail("a name with ? lists its types, a name without has the types `-`");
     if (mark == std::string::npos)
-        return {{pattern, 0}};
+        return {{pattern, 0, ""}};
+    std::string untyped = to_lower(pattern);
+    std::erase(untyped, '?');
     std::vector<instance> result;
     for (const std::string &prefix : split(types, ',')) {
         std::string name = pattern;
-        result.push_back({name.replace(mark, 1, prefix), element_of(at, prefix)});
+        result.push_back({name.replace(mark, 1, prefix), element_of(at, prefix), untyped});
     }
     return result;
 }
@@ -222,10 +227,13 @@ void read_table(const std::string &file, std::vector<routine> &routines)
             routine typed = row;
             typed.name = one.name;
             typed.element = one.element;
+            typed.untyped = one.untyped;
             for (const argument &each : typed.arguments)
                 if (!kind_fits(each.kind, one.element))
                     at.fail("argument `" + each.name + "`: kind " + each.kind +
                             " needs a routine with a type");
+                else if (row.frame.kind == "valued" && !kind_has_value(each.kind))
+                    at.fail("argument `" + each.name + "`: a valued frame takes no kind " + each.kind);
             routines.push_back(typed);
         }
     }

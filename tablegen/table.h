@@ -23,7 +23,7 @@ struct argument {
 
 /// What follows the name and the types in a row: `checked-group:gemm_batch/bare`.
 struct frame_spec {
-    std::string kind;   // checked, guarded, registered, traced, through, forward, own
+    std::string kind;   // checked, guarded, registered, traced, through, valued, forward, own
     bool group = false; // group batch: one value a group, and a trailing 0 to checker and core
     std::string rule;   // the checker's rule, or the step that a forwarder takes first
     std::string option; // `bare`: reported without trailing blank; `addresses`: the trace prints every
@@ -34,7 +34,8 @@ struct frame_spec {
 struct routine {
     std::string
         name; // upper case as the Fortran standard writes it: DGEMM; service rows keep their own case
-    char element = 0; // S, D, C, Z, or 0 for a routine without type
+    char element = 0;    // S, D, C, Z, or 0 for a routine without type
+    std::string untyped; // lower case, without its type: gemm; empty for a routine without type
     frame_spec frame;
     std::string result;    // `-`, int, real, first...
     int failed_result = 0; // what a function returns after a failed check
@@ -46,7 +47,9 @@ struct routine {
     std::string place;     // file:line of the row
 
     std::string lower() const;
-    bool has_checker() const { return frame.kind == "checked" || frame.kind == "guarded"; }
+    /// Two bodies, by address and by value; checker and core take values.
+    bool is_valued() const { return frame.kind == "valued"; }
+    bool has_checker() const { return frame.kind == "checked" || frame.kind == "guarded" || is_valued(); }
     bool has_trace() const { return frame.kind != "through" && frame.kind != "guarded"; }
     bool has_result() const { return result != "-" && result != "first"; }
 };

@@ -7,23 +7,6 @@
 namespace tablegen {
 namespace {
 
-/// Functions of one class and type share a threader; this is one form for each.
-std::vector<vml_form> one_form_each_threader(const vml_functions &functions)
-{
-    std::vector<vml_form> chosen;
-    std::set<std::string> seen;
-    for (const vml_form &form : vml_forms(functions))
-        if (form.function->kind != vml_class::pack && seen.insert(vml_threader(form)).second)
-            chosen.push_back(form);
-    return chosen;
-}
-
-std::string threader_prototype(const vml_form &form)
-{
-    return "void " + vml_threader(form) + "(const void *kernel, int32_t count, " +
-           vml_declared(vml_kernel_arguments(form)) + ", void *library, float cost)";
-}
-
 /// `strided_vector{a, inca}, one_scalar{b}`: every vector with its increment, and told from addresses of scalars
 std::string wrapped_arguments(const vml_form &form)
 {
@@ -43,20 +26,36 @@ std::string wrapped_arguments(const vml_form &form)
 
 } // namespace
 
+std::vector<vml_form> vml_one_form_each_threader(const vml_functions &functions)
+{
+    std::vector<vml_form> chosen;
+    std::set<std::string> seen;
+    for (const vml_form &form : vml_forms(functions))
+        if (form.function->kind != vml_class::pack && seen.insert(vml_threader(form)).second)
+            chosen.push_back(form);
+    return chosen;
+}
+
+std::string vml_threader_prototype(const vml_form &form)
+{
+    return "void " + vml_threader(form) + "(const void *kernel, int32_t count, " +
+           vml_declared(vml_kernel_arguments(form)) + ", void *library, float cost)";
+}
+
 void print_vml_core_header(std::ostream &out, const vml_functions &functions)
 {
     out << "// The vector math threaders: what the interface library imports from its core.\n"
         << "#pragma once\n#include \"xkl_types.h\"\n#pragma GCC visibility push(default)\nextern \"C\" {\n";
-    for (const vml_form &form : one_form_each_threader(functions))
-        out << threader_prototype(form) << ";\n";
+    for (const vml_form &form : vml_one_form_each_threader(functions))
+        out << vml_threader_prototype(form) << ";\n";
     out << "}\n#pragma GCC visibility pop\n";
 }
 
 void print_vml_threaders(std::ostream &out, const vml_functions &functions)
 {
     out << "#include \"core_vml.h\"\n#include \"vml/threader.h\"\n\nusing namespace xkl::core;\n";
-    for (const vml_form &form : one_form_each_threader(functions))
-        out << "\nextern \"C\" " << threader_prototype(form)
+    for (const vml_form &form : vml_one_form_each_threader(functions))
+        out << "\nextern \"C\" " << vml_threader_prototype(form)
             << "\n{\n    thread_vector(kernel, count, library, cost, " << wrapped_arguments(form)
             << ");\n}\n";
 }

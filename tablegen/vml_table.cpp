@@ -102,11 +102,12 @@ std::vector<vml_function> read_vml_table(const std::string &file)
         throw table_error(file + ": can't be opened");
     std::vector<vml_function> functions;
     std::string line, about;
+    bool goes_on = false; // a description
     for (int number = 1; std::getline(in, line); ++number) {
-        if (line.starts_with("#:")) {
-            const auto start = line.find_first_not_of(' ', 2);
-            about = start == std::string::npos ? "" : line.substr(start);
-        }
+        const bool describes = line.starts_with("#: ");
+        if (describes)
+            about = (goes_on ? about + "\n" : "") + line.substr(3);
+        goes_on = describes;
         if (line.starts_with("#"))
             continue;
         std::istringstream words(line);

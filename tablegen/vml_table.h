@@ -23,7 +23,7 @@ struct vml_function {
     std::string name; // Exp
     char element = 0; // s, d, c, z: the first letter of the entry points
     vml_class kind = vml_class::one_in_one_out;
-    std::string about; // one sentence for the public header
+    std::string about; // for the public header, in lines
     std::string place; // file:line of the row
 
     bool is_complex() const { return element == 'c' || element == 'z'; }

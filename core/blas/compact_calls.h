@@ -79,19 +79,33 @@ compact_view<R> apply(int32_t trans, compact_view<R> a)
     return a;
 }
 
+/// The kernels for a format on this processor, of those for 128, 256 and 512 bits that run on any and those
+/// for processors that have such registers
+template <class Kernels>
+const Kernels &for_format(int32_t format, const Kernels (&baseline)[3], const Kernels &avx2,
+                          const Kernels &avx512)
+{
+    const instruction_level level = level_in_force();
+    if (format == XKL_COMPACT_256 && level >= instruction_level::avx2)
+        return avx2;
+    if (format == XKL_COMPACT_512 && level >= instruction_level::avx512)
+        return avx512;
+    return baseline[format - XKL_COMPACT_128];
+}
+
+template <class T, class Kernels>
+const auto &of_type(const Kernels &kernels)
+{
+    if constexpr (std::is_same_v<real_of<T>, float>)
+        return element<T>::is_complex ? kernels.c : kernels.s;
+    else
+        return element<T>::is_complex ? kernels.z : kernels.d;
+}
+
 template <class T>
 const compact_routines<real_of<T>> &routines(int32_t format)
 {
-    const instruction_level level = level_in_force();
-    const compact_kernels *kernels = &compact_baseline[format - XKL_COMPACT_128];
-    if (format == XKL_COMPACT_256 && level >= instruction_level::avx2)
-        kernels = &compact_avx2;
-    if (format == XKL_COMPACT_512 && level >= instruction_level::avx512)
-        kernels = &compact_avx512;
-    if constexpr (std::is_same_v<real_of<T>, float>)
-        return element<T>::is_complex ? kernels->c : kernels->s;
-    else
-        return element<T>::is_complex ? kernels->z : kernels->d;
+    return of_type<T>(for_format(format, compact_baseline, compact_avx2, compact_avx512));
 }
 
 template <class T>

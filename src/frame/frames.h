@@ -6,3 +6,4 @@
 #include "frame/registered.h"
 #include "frame/through.h"
 #include "frame/traced.h"
+#include "frame/valued.h"

@@ -77,20 +77,27 @@ auto printed(T argument)
         return as_address(argument);
 }
 
-/// Formats and prints the line of a routine.
+/// Formats and prints a line; what does not fit is cut.
+template <class... V>
+void print_line(double elapsed, const char *format, V... values)
+{
+    constexpr std::size_t size = 450;
+    char line[size];
+    xkl_serv_snprintf_s(line, size, size - 1, format, values...);
+    line[size - 1] = 0;
+    xkl_serv_print_verbose_info(elapsed, blas_domain, line);
+}
+
+/// Prints the line of a routine.
 template <class Row, class... A>
 void print_trace_line(const stopwatch &watch, A... arguments)
 {
-    constexpr std::size_t size = 450;
     const double elapsed = watch.elapsed();
-    char line[size];
     [&]<std::size_t... I>(std::index_sequence<I...>)
     {
-        xkl_serv_snprintf_s(line, size, size - 1, Row::format, printed<Row::kinds[I]>(arguments)...);
+        print_line(elapsed, Row::format, printed<Row::kinds[I]>(arguments)...);
     }
     (std::index_sequence_for<A...>{});
-    line[size - 1] = 0;
-    xkl_serv_print_verbose_info(elapsed, blas_domain, line);
 }
 
 } // namespace xkl

@@ -8,8 +8,8 @@ namespace xkl::checks {
 /// ldb is compared with n itself: nothing at all is a right-hand side for no equations.
 struct dtsvb {
     template <class Letters>
-    [[gnu::always_inline]] static int64_t first_bad(integer n, integer nrhs, any, any, any, any, integer ldb,
-                                                    any)
+    [[gnu::always_inline]] static int64_t first_bad(integer n, integer nrhs, any, any, any, any,
+                                                    integer ldb, any)
     {
         if (*n < 0)
             return 1;

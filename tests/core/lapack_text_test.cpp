@@ -3,18 +3,20 @@
 #include <complex>
 #define XKL_Complex8 std::complex<float>
 #define XKL_Complex16 std::complex<double>
+#include "lapack_reports.h"
 #include "xkl.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <limits>
-#include <string>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <vector>
 
 namespace {
+
+using lapack_tests::reports;
 
 int64_t tuned(int64_t what, const char *name, int64_t n1, int64_t n2, int64_t n3 = -1, int64_t n4 = -1)
 {
@@ -172,24 +174,6 @@ TEST(machine_constants, as_older_programs_find_them)
 }
 
 // Errors that no frame checks.
-class reports : public testing::Test {
-  protected:
-    static inline std::string name;
-    static inline int64_t position;
-
-    void SetUp() override
-    {
-        position = 0;
-        previous_ = xkl_set_xerbla([](const char *text, const int64_t *place, int64_t length) {
-            name.assign(text, static_cast<size_t>(length));
-            position = *place;
-        });
-    }
-    void TearDown() override { xkl_set_xerbla(previous_); }
-
-  private:
-    xkl_xerbla_handler previous_ = nullptr;
-};
 
 TEST_F(reports, too_little_work_space)
 {

@@ -2,6 +2,7 @@
 // that reaches it. Tests link against it and look at what arrived.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
@@ -50,6 +51,11 @@ void reset();
 
 // For generated entries.
 extern "C++" void record(const char *entry, std::initializer_list<int64_t> arguments);
+/// A real argument among the words: its bits in double precision.
+inline int64_t recorded_bits(double value)
+{
+    return std::bit_cast<int64_t>(value);
+}
 int64_t recorded_integer();
 double recorded_real();
 

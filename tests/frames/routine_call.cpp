@@ -58,15 +58,27 @@ Result call(void *routine, const std::array<int64_t, most_words> &words, std::in
     return reinterpret_cast<Result (*)(word<I>...)>(routine)(words[I]...);
 }
 
-/// Calls with as many words as any list has: a callee never looks beyond its own.
-template <class Result>
-Result call(void *routine, const std::vector<int64_t> &arguments)
+/// As many words as any list has: a callee never looks beyond its own.
+std::array<int64_t, most_words> padded(const std::vector<int64_t> &arguments)
 {
     std::array<int64_t, most_words> words{};
     if (arguments.size() > most_words)
         throw std::length_error("a list is longer than most_words");
     std::copy(arguments.begin(), arguments.end(), words.begin());
-    return call<Result>(routine, words, std::make_index_sequence<most_words>{});
+    return words;
+}
+
+template <class Result>
+Result call(void *routine, const std::vector<int64_t> &arguments)
+{
+    return call<Result>(routine, padded(arguments), std::make_index_sequence<most_words>{});
+}
+
+template <class Real, std::size_t... I>
+void call(void *routine, const std::array<int64_t, most_words> &words, Real first, Real second,
+          std::index_sequence<I...>)
+{
+    reinterpret_cast<void (*)(word<I>..., Real, Real)>(routine)(words[I]..., first, second);
 }
 
 template <class Complex>
@@ -144,6 +156,17 @@ double call_real(void *routine, const std::vector<int64_t> &arguments)
 float call_single(void *routine, const std::vector<int64_t> &arguments)
 {
     return call<float>(routine, arguments);
+}
+
+void call_with_reals(void *routine, const std::vector<int64_t> &arguments, std::array<double, 2> reals,
+                     bool single)
+{
+    constexpr std::make_index_sequence<most_words> places;
+    const auto [first, second] = reals;
+    if (single)
+        call(routine, padded(arguments), static_cast<float>(first), static_cast<float>(second), places);
+    else
+        call(routine, padded(arguments), first, second, places);
 }
 
 std::complex<double> call_for_value(const routine_row &row, void *routine,

@@ -4,6 +4,7 @@
 
 #include "test_rows.h"
 
+#include <array>
 #include <complex>
 #include <cstdint>
 #include <deque>
@@ -58,6 +59,11 @@ void *exported(const std::string &name);
 int64_t call_integer(void *routine, const std::vector<int64_t> &arguments);
 double call_real(void *routine, const std::vector<int64_t> &arguments);
 float call_single(void *routine, const std::vector<int64_t> &arguments);
+
+/// Calls a routine that takes some of its arguments as reals by value, in single or double precision. They
+/// travel apart from the words, so their places in the list do not matter.
+void call_with_reals(void *routine, const std::vector<int64_t> &arguments, std::array<double, 2> reals,
+                     bool single);
 
 /// The value that a routine of the row returns, whatever its type; 0 if it returns none.
 std::complex<double> call_for_value(const routine_row &row, void *routine,

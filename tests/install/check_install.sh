@@ -45,6 +45,12 @@ for header in "$prefix"/include/xkl/*.h; do
     done
 done
 
+step "each Fortran module stands alone, within the standard's columns"
+for module in "$prefix"/include/xkl/*.f90; do
+    gfortran -std=f2018 -fdefault-integer-8 -Wline-truncation -Werror -fsyntax-only -J "$scratch" "$module" ||
+        fail "$module is not standard Fortran"
+done
+
 step "a CMake project"
 cmake -S "$users" -B "$scratch/cmake" -DCMAKE_PREFIX_PATH="$prefix" >"$scratch/cmake.log" ||
     fail "find_package(xkl) failed: $(cat "$scratch/cmake.log")"

@@ -46,6 +46,9 @@ expect 'is not an argument' '?AXPY S,D traced - n'
 expect 'two arguments are called `n`' '?AXPY S,D traced - n:i n:i'
 expect 'unknown frame `trace`' '?AXPY S,D trace - n:i'
 expect 'names its checks' '?GEMV S,D checked - n:i'
+expect 'a helper its template' '?AXPY S,D helper - n:i'
+expect 'names its checks' 'XKL_?OMATCOPY S valued - ordering:c'
+expect 'a valued frame takes no kind i' 'XKL_?OMATCOPY S valued:omatcopy - rows:i'
 expect 'unknown result `number`' '?DOT S,D traced number n:i'
 expect 'has none of the letters' '?AXPY Q traced - n:i'
 expect 'lists its types' '?AXPY - traced - n:i'
@@ -63,7 +66,8 @@ expect_provider '`other:axpy` is no provider' '?AXPY S other:axpy'
 expect_provider 'lists its types' '?AXPY S openblas:saxpy'
 expect_provider 'no table has the routine `CAXPY`' '?AXPY S,C own:axpy'
 
-# expect_vml MESSAGE ROW, expect_kernel MESSAGE ROW: a function, and the provider of a kernel
+# expect_vml MESSAGE ROW, expect_kernel MESSAGE ROW, expect_setting MESSAGE ROW: a function, the provider of a kernel, an
+# operation on mode and status
 expect_vml() {
     printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
     refused "$1" "$2" vml-threaders --vml "$scratch/wrong.tbl"
@@ -72,6 +76,11 @@ expect_kernel() {
     printf 'Exp s,d 1i_1o\n' >"$scratch/right.tbl"
     printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
     refused "$1" "$2" vml-kernel-tables --vml "$scratch/right.tbl" --providers "$scratch/wrong.tbl"
+}
+expect_setting() {
+    printf 'Exp d 1i_1o\n' >"$scratch/right.tbl"
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" vml-settings --vml "$scratch/right.tbl" --settings "$scratch/wrong.tbl"
 }
 
 expect_vml 'the columns name, types and class' 'Exp s,d'
@@ -87,6 +96,9 @@ expect_kernel 'three numbers' 'Exp s exponential 1,1'
 expect_kernel 'three numbers' 'Exp s exponential 1,1,1,1'
 expect_kernel 'has a kernel already' 'Exp s exponential 1,1,1
 Exp s exponential 1,1,1'
+expect_setting 'a row has the columns' 'SetMode mode'
+expect_setting 'a row has the columns' 'SetMode mode -'
+expect_setting 'a row has the columns' 'SetMode integer mode'
 
 echo "$count wrong rows"
 exit $failed

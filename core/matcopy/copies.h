@@ -1,0 +1,90 @@
+// B := alpha*op(A). A factor of zero writes zeros, whatever A holds: nothing of it is read.
+#pragma once
+
+#include "matcopy/shapes.h"
+
+namespace xkl::core {
+
+template <class T>
+void move_lines(block<const T> a, block<T> b, size_t lines, size_t length, const factor<T> &by)
+{
+    if (a.ld == length && b.ld == length) {
+        length *= lines;
+        lines = 1;
+    }
+    const auto move = copy_kernels_in_force().of<T>().move;
+    const writing how = lines * length * sizeof(T) >= bytes_to_stream ? writing::streamed : writing::cached;
+    for_line_blocks<T>(lines, length, [&](size_t i, size_t last_i, size_t j, size_t last_j) {
+        move(a.at(i, j), b.at(i, j), last_i - i, last_j - j, by, how);
+    });
+}
+
+/// How to write a turned copy. Lines at these distances share a few sets of the nearest cache, which then
+/// holds no tile of a source and a copy at once.
+template <class T>
+writing writing_of_turned(size_t bytes, size_t lda, size_t ldb)
+{
+    constexpr size_t shared_sets = 2048, worth_diagonals = 64 * 1024;
+    const auto shares = [](size_t ld) { return ld * sizeof(T) % shared_sets == 0; };
+    if (bytes >= bytes_to_stream && ldb * sizeof(T) % 64 == 0)
+        return writing::streamed;
+    return bytes >= worth_diagonals && (shares(lda) || shares(ldb)) ? writing::crosswise : writing::cached;
+}
+
+/// Every line of the copy runs across the lines of the source. Blocks that are streamed cover whole pages,
+/// so that few translations of addresses serve one; others fit the second cache with their copy.
+template <class T>
+void turn_lines(block<const T> a, block<T> b, size_t lines, size_t length, const factor<T> &by)
+{
+    const size_t bytes = lines * length * sizeof(T);
+    const writing how = writing_of_turned<T>(bytes, a.ld, b.ld);
+    const size_t step = (how == writing::streamed ? 4096 : 1024) / sizeof(T);
+    const auto turn = copy_kernels_in_force().of<T>().turn;
+    for_blocks({lines, step, before_cache_line(b.first, b.ld)},
+               {length, step, before_cache_line(a.first, a.ld)}, bytes,
+               [&](size_t i, size_t last_i, size_t j, size_t last_j) {
+                   turn(a.at(i, j), b.at(j, i), last_i - i, last_j - j, by, how);
+               });
+}
+
+/// So few elements that any choice between kernels would cost more than they do
+template <class T>
+void copy_few(bool turned, block<const T> a, block<T> b, size_t lines, size_t length)
+{
+    const size_t step = turned ? 1 : b.ld, step_in_line = turned ? b.ld : 1;
+    for (size_t i = 0; i < lines; ++i)
+        for (size_t j = 0; j < length; ++j)
+            b.first[i * step + j * step_in_line] = a.first[i * a.ld + j];
+}
+
+template <class T>
+[[gnu::noinline]] void copy_many(operation op, stored_lines shape, T alpha, block<const T> a, block<T> b)
+{
+    if (shape.empty())
+        return;
+    if (alpha == T(0)) {
+        if (op.turned)
+            shape.turn();
+        return clear_lines(b, shape.lines, shape.length);
+    }
+    const factor<T> by(alpha, element<T>::is_complex && op.conjugated);
+    if (op.turned)
+        turn_lines(a, b, shape.lines, shape.length, by);
+    else
+        move_lines(a, b, shape.lines, shape.length, by);
+}
+
+template <class T>
+void xkl_omatcopy(char ordering, char trans, size_t rows, size_t cols, scalar_argument<T> alpha, const T *a,
+                  size_t lda, T *b, size_t ldb)
+{
+    constexpr size_t few = 64;
+    const operation op(trans);
+    const stored_lines shape(ordering, rows, cols);
+    const bool kept = value_of(alpha) == T(1) && !(element<T>::is_complex && op.conjugated);
+    if (rows <= few && cols <= few && rows * cols <= few && kept)
+        return copy_few<T>(op.turned, {a, lda}, {b, ldb}, shape.lines, shape.length);
+    copy_many<T>(op, shape, value_of(alpha), {a, lda}, {b, ldb});
+}
+
+} // namespace xkl::core
