@@ -62,8 +62,8 @@ double error_of(std::complex<double> y, const complex_number &exact, const forma
     if (std::isnan(y.real()) || std::isnan(y.imag()))
         return is_nan(exact.re) || is_nan(exact.im) ? 0 : INFINITY;
     const complex_number limited = {within(exact.re, f), within(exact.im, f)};
-    const number distance = of<mpfr_hypot>(within(number(y.real()), f) - limited.re,
-                                           within(number(y.imag()), f) - limited.im);
+    const number distance =
+        of<mpfr_hypot>(within(number(y.real()), f) - limited.re, within(number(y.imag()), f) - limited.im);
     return in_units(distance, within(of<mpfr_hypot>(limited.re, limited.im), f), f);
 }
 
@@ -112,14 +112,15 @@ results_of<R> compute(const kernel_row &row, int set, const vectors_of<R> &v, si
         kernel<const R *, R *, R *>(row.name, set)(n, a, r.first.data(), r.second.data());
         break;
     case kernel_class::linear_frac:
-        kernel<const R *, const R *, R *, R, R, R, R>(row.name, set)(n, a, b, r.first.data(), scalar(0), scalar(1),
-                                                                     scalar(2), scalar(3));
+        kernel<const R *, const R *, R *, R, R, R, R>(row.name, set)(n, a, b, r.first.data(), scalar(0),
+                                                                     scalar(1), scalar(2), scalar(3));
         break;
     case kernel_class::scalar:
         for (size_t i = 0; i < count; i += same_scalar) {
             const auto part = static_cast<int32_t>(std::min(same_scalar, count - i));
             if (row.element == 'c' || row.element == 'z')
-                kernel<const R *, R *, const R *>(row.name, set)(part, a + 2 * i, &r.first[2 * i], b + 2 * i);
+                kernel<const R *, R *, const R *>(row.name, set)(part, a + 2 * i, &r.first[2 * i],
+                                                                 b + 2 * i);
             else
                 kernel<const R *, R *, R>(row.name, set)(part, a + i, &r.first[i], b[i]);
         }
@@ -250,8 +251,8 @@ std::optional<measurement> measure(const promise &p, const effort &wanted)
     if (p.complex() ? !find_complex_reference(p.function) : !real)
         throw std::runtime_error("no reference for " + p.routine());
     number::bits = p.complex() ? 640 : 256;
-    const size_t count =
-        static_cast<size_t>(wanted.samples) / static_cast<size_t>(p.complex() ? 4 : real->samples_divided_by);
+    const size_t count = static_cast<size_t>(wanted.samples) /
+                         static_cast<size_t>(p.complex() ? 4 : real->samples_divided_by);
     return p.single() ? measure_as<float>(p, *row, count, wanted.seed)
                       : measure_as<double>(p, *row, count, wanted.seed);
 }
@@ -265,8 +266,8 @@ std::string describe(const promise &p, int mode, const worst_case &worst)
         if (p.complex())
             text << (std::signbit(x[1]) ? "" : "+") << x[1] << "i";
     };
-    text << p.routine() << " in mode " << mode_names[mode] << " is off by " << worst.error << " ULP (promised "
-         << p.ulps[mode] << ") at ";
+    text << p.routine() << " in mode " << mode_names[mode] << " is off by " << worst.error
+         << " ULP (promised " << p.ulps[mode] << ") at ";
     print(worst.a);
     if (p.regions.front().parts.size() > (p.complex() ? 2u : 1u)) {
         text << ", ";

@@ -34,7 +34,8 @@ void print(const std::string &title, const std::vector<promise> &promises, const
         if (const std::optional<measurement> measured = measure(p, wanted))
             rows[p.function][p.type] = *measured;
     }
-    std::printf("| %s | `%c` HA | `%c` LA | `%c` EP | `%c` HA | `%c` LA | `%c` EP |\n|---|--:|--:|--:|--:|--:|--:|\n",
+    std::printf("| %s | `%c` HA | `%c` LA | `%c` EP | `%c` HA | `%c` LA | `%c` EP "
+                "|\n|---|--:|--:|--:|--:|--:|--:|\n",
                 title.c_str(), wide, wide, wide, narrow, narrow, narrow);
     for (const std::string &function : order) {
         std::printf("| %s |", function.c_str());

@@ -84,12 +84,12 @@ range::range(const std::string &text, bool single) : single_(single)
         rest.erase(0, 2);
     }
     const size_t between = rest.find_first_of("~:");
-    kind_ = rest[0] == '@'                  ? kind::near
-            : rest[0] == '*'                ? kind::multiples
-            : rest[0] == '#'                ? kind::integers
-            : between == std::string::npos  ? throw std::runtime_error("'" + text + "' is no range")
-            : rest[between] == '~'          ? kind::exponents
-                                            : kind::uniform;
+    kind_ = rest[0] == '@'                 ? kind::near
+            : rest[0] == '*'               ? kind::multiples
+            : rest[0] == '#'               ? kind::integers
+            : between == std::string::npos ? throw std::runtime_error("'" + text + "' is no range")
+            : rest[between] == '~'         ? kind::exponents
+                                           : kind::uniform;
     if (kind_ == kind::near || kind_ == kind::multiples) {
         low_ = value_of(rest.substr(1), single);
         return;

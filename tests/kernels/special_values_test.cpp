@@ -45,8 +45,9 @@ double value_of(std::string text)
     if (negative)
         text.erase(0, 1);
     static const std::map<std::string, double> names = {
-        {"max", limits::max()},      {"min", limits::min()},  {"tiny", limits::denorm_min()}, {"pi", M_PI},
-        {"3pi/4", 3 * (M_PI / 4)}, {"pi/2", M_PI_2}, {"pi/4", M_PI_4}};
+        {"max", limits::max()}, {"min", limits::min()},    {"tiny", limits::denorm_min()},
+        {"pi", M_PI},           {"3pi/4", 3 * (M_PI / 4)}, {"pi/2", M_PI_2},
+        {"pi/4", M_PI_4}};
     const auto name = names.find(text);
     char *end = nullptr;
     const double value = name != names.end() ? name->second : std::strtod(text.c_str(), &end);
@@ -222,7 +223,8 @@ TEST(SpecialValues, EveryRealFunctionHasSome)
     for (int i = 0; i < kernel_row_count; ++i) {
         const kernel_row &row = kernel_rows[i];
         const bool real = row.element == 's' || row.element == 'd';
-        if (real && !row.strided && row.kind != kernel_class::pack && row.kind != kernel_class::linear_frac) {
+        if (real && !row.strided && row.kind != kernel_class::pack &&
+            row.kind != kernel_class::linear_frac) {
             EXPECT_TRUE(cases.contains(row.name)) << row.name;
         }
     }
