@@ -109,7 +109,7 @@ std::string kernel_body(const vml_form &form)
     const std::string own = in_namespace(vml_type(function.element)),
                       real = vml_type(vml_real_letter(function.element));
     if (function.kind == pack)
-        return vml_kernel_template(function) + "(" + vml_passed(vml_kernel_arguments(form)) + ")";
+        return vml_kernel_template(function) + "(n, " + vml_passed(vml_kernel_arguments(form)) + ")";
     const std::string in = function.kind == to_complex ? real : own,
                       out = function.kind == to_real ? real : own;
     const bool strided = form.strided;

@@ -1,0 +1,106 @@
+// Bessel functions and the exponential integral, which no vector library has: I0, I1, J0, J1, Jn, Y0, Y1, Yn, ExpInt1.
+//
+// One element at a time: doubles in high accuracy through long doubles, all others through doubles. Orders of Jn and
+// Yn that are not integers are orders of their own right.
+#pragma once
+
+#include "elements.h"
+#include "loops.h"
+#include "scalar/special.h"
+
+namespace xkl::kernels {
+inline namespace XKL_ISA {
+
+/// What f computes with for an accuracy
+template <accuracy A, class R>
+using working = std::conditional_t<A == accuracy::high && sizeof(R) == 8, long double, double>;
+
+template <accuracy A, class F, class V>
+XKL_HOT V element_by_element(const F &f, V a)
+{
+    using R = element<V>;
+    return by_element([&f](R x) { return static_cast<R>(f(static_cast<working<A, R>>(x))); }, a);
+}
+
+template <class R, int Order>
+struct modified_bessel {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return element_by_element<A>([](auto x) { return scalar::modified_bessel(Order, x); }, a);
+    }
+    XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_infinite(y); }
+    status settle(R a, R &y) const { return overflow_or_nan(y, a); }
+};
+template <class R>
+struct i0_function : modified_bessel<R, 0> {
+};
+template <class R>
+struct i1_function : modified_bessel<R, 1> {
+};
+
+template <class R>
+struct jn_function {
+    R order;
+
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return element_by_element<A>([this](auto x) { return scalar::bessel_j(decltype(x)(order), x); }, a);
+    }
+    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return is_not_finite(y) | (is_tiny(y) & (a != 0)); }
+    status settle(R a, R &y) const
+    {
+        if (infinite(a))
+            return nan(y) && !nan(order) ? domain_error : fine;
+        return tiny(y) && a != 0 ? underflow : overflow_or_nan(y, a, order);
+    }
+};
+template <class R>
+struct j0_function : jn_function<R> {
+    j0_function() : jn_function<R>{0} {}
+};
+template <class R>
+struct j1_function : jn_function<R> {
+    j1_function() : jn_function<R>{1} {}
+};
+
+template <class R>
+struct yn_function {
+    R order;
+
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return element_by_element<A>([this](auto x) { return scalar::bessel_y(decltype(x)(order), x); }, a);
+    }
+    XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y); }
+    status settle(R a, R &y) const { return a == 0 ? singularity : overflow_or_nan(y, a, order); }
+};
+template <class R>
+struct y0_function : yn_function<R> {
+    y0_function() : yn_function<R>{0} {}
+};
+template <class R>
+struct y1_function : yn_function<R> {
+    y1_function() : yn_function<R>{1} {}
+};
+
+template <class R>
+struct expint1_function {
+    template <accuracy A>
+    XKL_HOT vec<R> value(vec<R> a) const
+    {
+        return element_by_element<A>([](auto x) { return scalar::exponential_integral(x); }, a);
+    }
+    XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y) | is_tiny(y); }
+    status settle(R a, R &y) const
+    {
+        if (a == 0)
+            return singularity;
+        return tiny(y) && !infinite(a) ? underflow : overflow_or_nan(y, a);
+    }
+};
+
+} // namespace XKL_ISA
+} // namespace xkl::kernels
