@@ -31,7 +31,6 @@ const loops_of loops[] = {
     {"Cbrt", unary<double, cbrt>, unary<float, cbrtf>},
     {"Pow", binary<double, pow>, binary<float, powf>},
     {"Erf", unary<double, erf>, unary<float, erff>},
-    {"LGamma", unary<double, lgamma>, unary<float, lgammaf>},
 };
 
 } // namespace

@@ -53,10 +53,13 @@ void binary(int64_t n, const R *a, const R *b, R *r)
         title, shape<double, doubles, SLEEF_D(name, bound)>, shape<float, floats, SLEEF_F(name, bound)>    \
     }
 const loops_of within_1ulp[] = {
-    LOOPS("Exp", unary, exp, u10),   LOOPS("Ln", unary, log, u10),    LOOPS("Log10", unary, log10, u10),
-    LOOPS("Sin", unary, sin, u10),   LOOPS("Cos", unary, cos, u10),   LOOPS("Tan", unary, tan, u10),
-    LOOPS("Atan", unary, atan, u10), LOOPS("Tanh", unary, tanh, u10), LOOPS("Cbrt", unary, cbrt, u10),
-    LOOPS("Pow", binary, pow, u10),  LOOPS("Erf", unary, erf, u10),   LOOPS("LGamma", unary, lgamma, u10),
+    LOOPS("Exp", unary, exp, u10),       LOOPS("Ln", unary, log, u10),
+    LOOPS("Log10", unary, log10, u10),   LOOPS("Sin", unary, sin, u10),
+    LOOPS("Cos", unary, cos, u10),       LOOPS("Tan", unary, tan, u10),
+    LOOPS("Atan", unary, atan, u10),     LOOPS("Tanh", unary, tanh, u10),
+    LOOPS("Cbrt", unary, cbrt, u10),     LOOPS("Pow", binary, pow, u10),
+    LOOPS("Erf", unary, erf, u10),       LOOPS("LGamma", unary, lgamma, u10),
+    LOOPS("TGamma", unary, tgamma, u10),
 };
 const loops_of within_4ulp[] = {
     LOOPS("Ln", unary, log, u35),    LOOPS("Sin", unary, sin, u35),   LOOPS("Cos", unary, cos, u35),

@@ -1,7 +1,7 @@
 /* xkl_vml_types.h: mode bits, status values and the error callback of the vector math routines.
  *
- * Mode, status and callback belong to the calling thread: each thread starts with the default mode, status 0 and
- * no callback, and what it sets holds for its own calls alone. */
+ * Mode, status and callback belong to the calling thread: each thread starts with the default mode, status 0
+ * and no callback, and what it sets holds for its own calls alone. */
 #ifndef XKL_VML_TYPES_H
 #define XKL_VML_TYPES_H
 
@@ -12,11 +12,11 @@
 /* Accuracy, in units in the last place (ULP) of a result. */
 #define VML_LA 0x00000001u /* low: 4 ULP */
 #define VML_HA 0x00000002u /* high: 1 ULP in nearly all functions; the default */
-#define VML_EP 0x00000003u /* enhanced performance: half of the digits */
+#define VML_EP 0x00000003u /* enhanced performance: half of the digits, or more */
 #define VML_ACCURACY_MASK 0x0000000fu
 
-/* What happens when an element has an error. Except with VML_ERRMODE_IGNORE the status is set; the values below
- * it can be added up. */
+/* What happens when an element has an error. Except with VML_ERRMODE_IGNORE the status is set; the values
+ * below it can be added up. */
 #define VML_ERRMODE_IGNORE 0x00000100u   /* nothing: the status stays as it is, no callback */
 #define VML_ERRMODE_ERRNO 0x00000200u    /* errno becomes EDOM or ERANGE */
 #define VML_ERRMODE_STDERR 0x00000400u   /* a line on standard error for each call that had errors */
@@ -40,8 +40,8 @@
 #define VML_STATUS_UNDERFLOW 4          /* a result is too small to have all its digits, or any */
 #define VML_STATUS_ACCURACYWARNING 1000 /* the processor has no kernel of full accuracy; computed anyway */
 
-/* One element with an error, as the callback sees it. Real vectors leave the imaginary parts 0, and functions of one
- * argument or one result leave the second one 0. The callback may change the results. */
+/* One element with an error, as the callback sees it. Real vectors leave the imaginary parts 0, and functions
+ * of one argument or one result leave the second one 0. The callback may change the results. */
 typedef struct {
     int32_t status; /* VML_STATUS_ERRDOM to VML_STATUS_UNDERFLOW */
     int32_t reserved;
@@ -52,8 +52,8 @@ typedef struct {
     const char *name;    /* the routine: "vdExp" */
 } xkl_vml_error;
 
-/* Called on the thread that called the routine, in the order of the elements. The value that it returns is not
- * used; return 0. */
+/* Called on the thread that called the routine, in the order of the elements. The value that it returns is
+ * not used; return 0. */
 typedef int (*xkl_vml_error_callback)(xkl_vml_error *error);
 
 #endif

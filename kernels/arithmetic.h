@@ -1,7 +1,7 @@
 // Arithmetic of real and complex numbers: Add, Sub, Mul, Div, Sqr, Abs, Conj, MulByConj.
 //
-// A result that is infinite though no argument is overflowed; one that is zero or denormal though no argument is zero
-// underflowed, but for sums, which are exact there.
+// A result that is infinite though no argument is overflowed; one that is zero or denormal though no
+// argument is zero underflowed, but for sums, which are exact there.
 #pragma once
 
 #include "elements.h"

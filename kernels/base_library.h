@@ -1,5 +1,6 @@
-// The vector math libraries underneath, under one name for all types and instruction sets: sleef::exp_u10(x) is
-// SLEEF's exp within 1.0 ULP, glibc::exp(x) that of glibc's own vector library, within 4 ULP.
+// The vector math libraries underneath, under one name for all types and instruction sets:
+// sleef::exp_u10(x) is SLEEF's exp within 1.0 ULP, glibc::exp(x) that of glibc's own vector library,
+// within 4 ULP.
 #pragma once
 
 #include "vector.h"

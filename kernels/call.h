@@ -1,5 +1,5 @@
-// One call of a kernel as seen by the code that is compiled once for all instruction sets: the mode in force,
-// the errors found, who is told of them.
+// One call of a kernel as seen by the code that is compiled once for all instruction sets: the mode in
+// force, the errors found, who is told of them.
 #pragma once
 
 #include "xkl_vml_types.h"

@@ -3,8 +3,8 @@
 
 namespace {
 
-// The best index that this processor has, whatever class was asked for: a class may be forced by an environment variable,
-// and a wrong one shall not end the process.
+// The best index that this processor has, whatever class was asked for: a class may be forced by an
+// environment variable, and a wrong one shall not end the process.
 int32_t best_index()
 {
     __builtin_cpu_init();
@@ -21,8 +21,8 @@ const int32_t best = best_index();
 
 } // namespace
 
-// Classes 0 to 2 are processors before AVX2, 3 has AVX2, 4 and 5 have AVX-512. A class that is not known runs
-// what every processor runs.
+// Classes 0 to 2 are processors before AVX2, 3 has AVX2, 4 and 5 have AVX-512. A class that is not known
+// runs what every processor runs.
 extern "C" [[gnu::visibility("default")]] int32_t xkl_vml_kernel_GetTTableIndex(int32_t processor_class)
 {
     const int32_t wanted = processor_class == 3 ? 1 : processor_class == 4 || processor_class == 5 ? 2 : 0;

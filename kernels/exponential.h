@@ -8,8 +8,8 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
-/// Large results overflow, small ones underflow, both only for arguments beyond a bound. A test of the argument is done
-/// while the base library computes; one of the result would wait for it.
+/// Large results overflow, small ones underflow, both only for arguments beyond a bound. A test of the
+/// argument is done while the base library computes; one of the result would wait for it.
 template <class R>
 struct exponential {
     status settle(R a, R &y) const

@@ -3,12 +3,12 @@
 // A function is an object F with
 //   value<Accuracy>(pack...)             the results of one pack, no matter what its lanes hold
 // and, if an element can have an error or needs to be put right,
-//   suspicious(pack..., results)         the lanes that may need it: cheap, may name too many, never too few
-//   settle(element..., result &...)      the exact answer for such an element, out of the fast path: it may change
+//   suspicious(pack..., results)         the lanes that may need it: cheap; may name too many, never too few
+//   settle(element..., result &...)      the exact answer for one of them, in the slow path: it may change
 //                                        the result, and returns its status
-// The last pack of a vector is filled up and goes through the same code, so that an element's result doesn't depend on
-// the length of its vector. Arguments are in registers before results are stored: results may overwrite arguments
-// in place.
+// The last pack of a vector is filled up and goes through the same code, so that an element's result
+// doesn't depend on the length of its vector. Arguments are in registers before results are stored:
+// results may overwrite arguments in place.
 #pragma once
 
 #include "call.h"

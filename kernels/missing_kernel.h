@@ -3,7 +3,8 @@
 
 namespace xkl::kernels {
 
-// Prints one line that names the kernel and ends the process with code 2: the result would be wrong otherwise.
+// Prints one line that names the kernel and ends the process with code 2: the result would be wrong
+// otherwise.
 [[noreturn]] void missing_kernel(const char *name);
 
 } // namespace xkl::kernels

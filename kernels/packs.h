@@ -1,5 +1,5 @@
-// As many elements as a register has lanes: one register for real types, one for each part of complex types. How they
-// come from memory and get there, whole or in part.
+// As many elements as a register has lanes: one register for real types, one for each part of complex
+// types. How they come from memory and get there, whole or in part.
 #pragma once
 
 #include "complex.h"

@@ -26,8 +26,8 @@ static T exchange(T &place, T value) noexcept
 using xkl::kernels::exchange;
 using xkl::kernels::settings;
 
-// Setting and clearing give back what was there before. A mode is kept as it was given; what its bits leave open stands
-// at the default.
+// Setting and clearing give back what was there before. A mode is kept as it was given; what its bits
+// leave open stands at the default.
 #pragma GCC visibility push(default)
 extern "C" {
 uint32_t xkl_vml_kernel_SetMode(uint32_t mode)

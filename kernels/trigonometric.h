@@ -25,8 +25,8 @@ struct of_angle {
     }
 };
 
-/// Of the two libraries of 4 ULP the one that is faster: C's for doubles in narrow registers, but not for large angles,
-/// which it computes one at a time.
+/// Of the two libraries of 4 ULP the one that is faster: C's for doubles in narrow registers, but not for
+/// large angles, which it computes one at a time.
 template <class V, class C, class Sleef>
 XKL_HOT V low_accuracy(V a, [[maybe_unused]] element<V> large, [[maybe_unused]] const C &from_c,
                        const Sleef &from_sleef)

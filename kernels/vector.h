@@ -1,9 +1,9 @@
 // Registers of the instruction set that this file is compiled for, as the compiler's own vector types.
 //
-// Everything below and in the functions' headers is compiled once per instruction set, in a namespace of its name: a
-// function outside of it that the linker takes from one object for all of them would end the process on an older
-// processor. So these headers use nothing of the standard library but types and traits, and a test looks at the
-// objects.
+// Everything below and in the functions' headers is compiled once per instruction set, in a namespace of
+// its name: a function outside of it that the linker takes from one object for all of them would end the
+// process on an older processor. So these headers use nothing of the standard library but types and
+// traits, and a test looks at the objects.
 #pragma once
 
 #include <cstdint>
@@ -159,7 +159,8 @@ XKL_HOT V nearest(V x)
     else
         return _mm256_round_ps(x, how);
 #else
-    // Adding the power of two at which numbers have no fraction rounds it away; larger numbers are integers.
+    // Adding the power of two at which numbers have no fraction rounds it away; larger numbers are
+    // integers.
     constexpr element<V> no_fraction = 1 / limits<element<V>>::epsilon;
     const V rounded = (absolute(x) + no_fraction) - no_fraction;
     return absolute(x) < no_fraction ? with_sign_of(rounded, x) : x;
@@ -221,8 +222,8 @@ XKL_HOT auto is_tiny(V x)
     return absolute(x) < limits<element<V>>::smallest;
 }
 
-/// f of floats as doubles: twice the registers, but a function of 4 ULP then gives floats that are rounded right but
-/// for one in a hundred million.
+/// f of floats as doubles: twice the registers, but a function of 4 ULP then gives floats that are
+/// rounded right but for one in a hundred million.
 template <class F, class... Vs>
 XKL_HOT vec<float> in_double(const F &f, Vs... x)
 {

@@ -7,7 +7,8 @@
 namespace tablegen {
 namespace {
 
-/// `strided_vector{a, inca}, one_scalar{b}`: every vector with its increment, and told from addresses of scalars
+/// `strided_vector{a, inca}, one_scalar{b}`: every vector with its increment, and told from addresses of
+/// scalars
 std::string wrapped_arguments(const vml_form &form)
 {
     std::string text;

@@ -1,5 +1,6 @@
-// The table of vector math functions: what a row says, and the names that follow from it. A row stands for one
-// function a type, and each of these for a kernel table, or for two where there is a strided form.
+// The table of vector math functions: what a row says, and the names that follow from it. A row stands
+// for one function a type, and each of these for a kernel table, or for two where there is a strided
+// form.
 #pragma once
 
 #include "table.h"
@@ -59,8 +60,8 @@ char vml_real_letter(char element);
 /// `xkl_vml_serv_threader_d_1i_1o`; empty for the pack class.
 std::string vml_threader(const vml_form &form);
 
-/// What a kernel takes behind its count, in this order: vectors, each with its increment in strided forms, then
-/// scalars.
+/// What a kernel takes behind its count, in this order: vectors, each with its increment in strided
+/// forms, then scalars.
 std::vector<vml_argument> vml_kernel_arguments(const vml_form &form);
 
 /// `const double *a, double *r`

@@ -1,62 +1,10 @@
-// The kernels that copy lines, exchange blocks and add, and the tables of all kernels.
+// The kernels that exchange blocks and add, and the tables of all kernels.
 #pragma once
 
 #include "matcopy/turning.h"
 
 namespace xkl::core {
 namespace {
-
-/// One line. Source and copy may be the same.
-template <class T, int bytes, bool streamed, class Map>
-[[gnu::always_inline]] inline void move_line(const T *a, T *b, size_t length, const Map &map)
-{
-    using row = elements_of<T, bytes>;
-    constexpr size_t count = row::count, unrolled = 4 * count;
-    size_t i = 0;
-    if constexpr (streamed)
-        for (; i < length && reinterpret_cast<size_t>(b + i) % bytes != 0; ++i)
-            map.copy(a + i, b + i);
-    const auto step = [&](size_t at) __attribute__((always_inline))
-    {
-        row part;
-        part.load(a + at);
-        map.apply(part);
-        if constexpr (streamed)
-            part.stream(b + at);
-        else
-            part.store(b + at);
-    };
-    for (; i + unrolled <= length; i += unrolled)
-#pragma GCC unroll 4
-        for (size_t k = 0; k < unrolled; k += count)
-            step(i + k);
-    for (; i + count <= length; i += count)
-        step(i);
-    for (; i < length; ++i)
-        map.copy(a + i, b + i);
-}
-
-template <class T, int bytes, class Map>
-void move_mapped(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map, writing how)
-{
-    if (how != writing::streamed || reinterpret_cast<size_t>(b.first) % sizeof(T) != 0) {
-        for (size_t i = 0; i < lines; ++i)
-            move_line<T, bytes, false>(a.first + i * a.ld, b.first + i * b.ld, length, map);
-        return;
-    }
-    for (size_t i = 0; i < lines; ++i)
-        move_line<T, bytes, true>(a.first + i * a.ld, b.first + i * b.ld, length, map);
-    _mm_sfence();
-}
-
-template <class T, int bytes>
-void move(block<const T> a, block<T> b, size_t lines, size_t length, const factor<T> &by, writing how)
-{
-    if (by.keeps)
-        move_mapped<T, bytes>(a, b, lines, length, kept<T>(by), how);
-    else
-        move_mapped<T, bytes>(a, b, lines, length, scaled<T>(by), how);
-}
 
 /// Two squares of registers, or one with itself
 template <class T, int bytes, class Map>
@@ -65,25 +13,16 @@ template <class T, int bytes, class Map>
     using row = elements_of<T, bytes>;
     constexpr size_t count = row::count;
     row one[count], other[count];
-    const auto load = [&](row * square, const T *from) __attribute__((always_inline))
-    {
-#pragma GCC unroll 16
-        for (size_t k = 0; k < count; ++k) {
-            square[k].load(from + k * ld);
-            map.apply(square[k]);
-        }
-        turn_registers(square);
-    };
     const auto store = [&](const row *square, T *to) __attribute__((always_inline))
     {
 #pragma GCC unroll 16
         for (size_t k = 0; k < count; ++k)
             square[k].store(to + k * ld);
     };
-    load(one, p);
+    load_turned(p, ld, one, map);
     if (p == q)
         return store(one, p);
-    load(other, q);
+    load_turned(q, ld, other, map);
     store(one, q);
     store(other, p);
 }
@@ -120,7 +59,7 @@ template <class T, int bytes>
 void exchange(block<T> a, size_t i, size_t last_i, size_t j, size_t last_j, const factor<T> &by)
 {
     if (by.keeps)
-        exchange_mapped<T, bytes>(a, i, last_i, j, last_j, kept<T>(by));
+        exchange_mapped<T, bytes>(a, i, last_i, j, last_j, kept<T>());
     else
         exchange_mapped<T, bytes>(a, i, last_i, j, last_j, scaled<T>(by));
 }
@@ -145,13 +84,11 @@ struct operand {
     template <int bytes>
     [[gnu::always_inline]] void load(elements_of<T, bytes> *square, size_t i, size_t j) const
     {
-#pragma GCC unroll 16
-        for (int k = 0; k < elements_of<T, bytes>::count; ++k) {
-            square[k].load(at(i, j) + k * a.ld);
-            by.apply(square[k]);
-        }
         if constexpr (turned)
-            turn_registers(square);
+            return load_turned(at(i, j), a.ld, square, by);
+#pragma GCC unroll 16
+        for (size_t k = 0; k < elements_of<T, bytes>::count; ++k)
+            load_line(square[k], i + k, j);
     }
 };
 

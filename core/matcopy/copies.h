@@ -13,22 +13,10 @@ void move_lines(block<const T> a, block<T> b, size_t lines, size_t length, const
         lines = 1;
     }
     const auto move = copy_kernels_in_force().of<T>().move;
-    const writing how = lines * length * sizeof(T) >= bytes_to_stream ? writing::streamed : writing::cached;
+    const writing how = writing_of(lines * length * sizeof(T));
     for_line_blocks<T>(lines, length, [&](size_t i, size_t last_i, size_t j, size_t last_j) {
         move(a.at(i, j), b.at(i, j), last_i - i, last_j - j, by, how);
     });
-}
-
-/// How to write a turned copy. Lines at these distances share a few sets of the nearest cache, which then
-/// holds no tile of a source and a copy at once.
-template <class T>
-writing writing_of_turned(size_t bytes, size_t lda, size_t ldb)
-{
-    constexpr size_t shared_sets = 2048, worth_diagonals = 64 * 1024;
-    const auto shares = [](size_t ld) { return ld * sizeof(T) % shared_sets == 0; };
-    if (bytes >= bytes_to_stream && ldb * sizeof(T) % 64 == 0)
-        return writing::streamed;
-    return bytes >= worth_diagonals && (shares(lda) || shares(ldb)) ? writing::crosswise : writing::cached;
 }
 
 /// Every line of the copy runs across the lines of the source. Blocks that are streamed cover whole pages,
@@ -37,7 +25,7 @@ template <class T>
 void turn_lines(block<const T> a, block<T> b, size_t lines, size_t length, const factor<T> &by)
 {
     const size_t bytes = lines * length * sizeof(T);
-    const writing how = writing_of_turned<T>(bytes, a.ld, b.ld);
+    const writing how = writing_of(bytes);
     const size_t step = (how == writing::streamed ? 4096 : 1024) / sizeof(T);
     const auto turn = copy_kernels_in_force().of<T>().turn;
     for_blocks({lines, step, before_cache_line(b.first, b.ld)},
@@ -78,7 +66,7 @@ template <class T>
 void xkl_omatcopy(char ordering, char trans, size_t rows, size_t cols, scalar_argument<T> alpha, const T *a,
                   size_t lda, T *b, size_t ldb)
 {
-    constexpr size_t few = 64;
+    constexpr size_t few = 48;
     const operation op(trans);
     const stored_lines shape(ordering, rows, cols);
     const bool kept = value_of(alpha) == T(1) && !(element<T>::is_complex && op.conjugated);

@@ -15,7 +15,7 @@ namespace xkl::core {
 template <class T>
 struct factor {
     using real = real_of<T>;
-    static constexpr size_t lanes = 64 / sizeof(real);
+    static constexpr size_t lanes = 64 / sizeof(real), parts = sizeof(T) / sizeof(real);
 
     bool keeps;   // elements go unchanged, bit by bit
     bool crosses; // crossed is not zero, and is to be looked at
@@ -27,10 +27,13 @@ struct factor {
         const real re = std::real(alpha), im = std::imag(alpha), sign = conjugated ? -1 : 1;
         keeps = alpha == T(1) && !conjugated;
         crosses = im != 0;
-        for (size_t i = 0; i < lanes; ++i) {
-            const bool imaginary = element<T>::is_complex && i % 2 == 1;
-            straight[i] = imaginary ? sign * re : re;
-            crossed[i] = imaginary ? im : -sign * im;
+        for (size_t i = 0; i < lanes; i += parts) {
+            straight[i] = re;
+            if constexpr (parts == 2) {
+                straight[i + 1] = sign * re;
+                crossed[i] = -sign * im;
+                crossed[i + 1] = im;
+            }
         }
     }
 };
@@ -48,12 +51,8 @@ struct block {
     }
 };
 
-/// How a block is written.
-enum class writing {
-    cached,    // through the caches
-    crosswise, // the same, on diagonals: for distances between lines that share sets of a cache
-    streamed   // past the caches: for copies that these can't hold
-};
+/// How a block is written: through the caches, or past them when they can't hold the copy.
+enum class writing { cached, streamed };
 
 /// The lines that are turned together: a cache line of a turned line.
 template <class T>

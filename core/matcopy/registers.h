@@ -45,7 +45,6 @@ template <int bytes, class V, size_t... lane>
 /// Elements as they are
 template <class T>
 struct kept {
-    explicit kept(const factor<T> &) {}
     template <int bytes>
     [[gnu::always_inline]] void apply(elements_of<T, bytes> &) const
     {
@@ -106,7 +105,7 @@ template <int distance, class V, size_t... lane>
 }
 
 /// Turns a square that fills as many registers as each has elements: quarters change places, then the
-/// quarters of each quarter. Elements of 16 bytes move as two lanes.
+/// quarters of each quarter, and so on. Elements of 16 bytes move as two lanes.
 template <class T, int bytes, int distance = elements_of<T, bytes>::count / 2>
 [[gnu::always_inline]] inline void turn_registers(elements_of<T, bytes> *square)
 {
@@ -126,6 +125,19 @@ template <class T, int bytes, int distance = elements_of<T, bytes>::count / 2>
         }
         turn_registers<T, bytes, distance / 2>(square);
     }
+}
+
+/// The lines of a square, each in the register of its place in them
+template <class T, int bytes, class Map>
+[[gnu::always_inline]] inline void load_turned(const T *from, size_t ld, elements_of<T, bytes> *square,
+                                               const Map &map)
+{
+#pragma GCC unroll 16
+    for (size_t k = 0; k < elements_of<T, bytes>::count; ++k) {
+        square[k].load(from + k * ld);
+        map.apply(square[k]);
+    }
+    turn_registers(square);
 }
 
 } // namespace

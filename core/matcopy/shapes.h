@@ -56,9 +56,13 @@ struct stored_lines {
 /// which one alone copies half of it.
 inline constexpr size_t bytes_for_threads = size_t{1} << 20;
 
-/// Copies of this many bytes are written past the caches: with their source they fill the last of them, and
-/// lines that go there are read from memory first.
-inline constexpr size_t bytes_to_stream = size_t{16} << 20;
+/// Copies of this many bytes are written past the caches: with their source they fill half of a large one,
+/// which other threads use, too, and lines that miss it are read from memory before they are written.
+inline writing writing_of(size_t bytes)
+{
+    constexpr size_t bytes_to_stream = size_t{8} << 20;
+    return bytes >= bytes_to_stream ? writing::streamed : writing::cached;
+}
 
 /// A dimension, cut into pieces of step; the first one is longer by head, so that later ones begin at the
 /// start of a cache line.

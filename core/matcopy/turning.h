@@ -2,7 +2,7 @@
 // lines are read and written, each once, wherever the distances between lines allow it.
 #pragma once
 
-#include "matcopy/registers.h"
+#include "matcopy/moving.h"
 
 namespace xkl::core {
 namespace {
@@ -28,12 +28,7 @@ template <class T, int bytes, bool streamed, size_t side, class Map>
 #pragma GCC unroll 4
         for (size_t i = 0; i < side; i += count) {
             row square[count];
-#pragma GCC unroll 16
-            for (size_t k = 0; k < count; ++k) {
-                square[k].load(a.first + (i + k) * a.ld + j);
-                map.apply(square[k]);
-            }
-            turn_registers(square);
+            load_turned(a.first + i * a.ld + j, a.ld, square, map);
 #pragma GCC unroll 16
             for (size_t k = 0; k < count; ++k) {
                 T *to = b.first + (j + k) * b.ld + i;
@@ -66,31 +61,30 @@ void turn_any(block<const T> a, block<T> b, size_t lines, size_t length, const M
     rest(whole_lines, 0, lines);
 }
 
-/// Whole tiles, two cache lines of each line of the copy together. The source is read in few long streams,
-/// a little ahead.
-template <class T, int bytes, bool streamed, class Map>
-void turn_strips(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map)
+/// Whole tiles to memory, two cache lines of each line of the copy together. The source is read in few long
+/// streams, a little ahead.
+template <class T, int bytes, class Map>
+void stream_tiles(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map)
 {
     constexpr size_t side = tile<T>, strip = 2 * side, ahead = 2 * side;
     for (size_t i = 0; i < lines; i += strip) {
         const size_t end = i + strip < lines ? i + strip : lines;
         for (size_t j = 0; j < length; j += side)
             for (size_t k = i; k < end; k += side) {
-                if constexpr (streamed) {
 #pragma GCC unroll 16
-                    for (size_t row = 0; row < side; ++row)
-                        __builtin_prefetch(a.first + (k + row) * a.ld + j + ahead);
-                }
-                turn_square<T, bytes, streamed, side>(a.at(k, j), b.at(j, k), map);
+                for (size_t row = 0; row < side; ++row)
+                    __builtin_prefetch(a.first + (k + row) * a.ld + j + ahead);
+                turn_square<T, bytes, true, side>(a.at(k, j), b.at(j, k), map);
             }
     }
+    _mm_sfence();
 }
 
-/// Whole tiles on diagonals. Where lines are a large power of two apart, the lines of a tile share a few
-/// places of the nearest cache. On a diagonal each tile has other places than the one before, in the source
-/// and in the copy.
+/// Whole tiles through the caches, on diagonals. The lines of a tile share a few places of the nearest
+/// cache when they are a large power of two apart. On a diagonal each tile has other places than the one
+/// before, in the source and in the copy; elsewhere it makes no difference.
 template <class T, int bytes, class Map>
-void turn_diagonals(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map)
+void turn_tiles(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map)
 {
     constexpr size_t side = tile<T>, ahead = 2 * side;
     const auto wrap = [length](size_t place) { return place < length ? place : place % length; };
@@ -107,16 +101,39 @@ void turn_diagonals(block<const T> a, block<T> b, size_t lines, size_t length, c
     }
 }
 
-template <class T>
-bool on_cache_lines(block<T> b)
+/// Lines that begin anywhere within cache lines can't be streamed tile by tile. They go through a buffer, a
+/// square at a time, so that all but the ends of its lines are whole cache lines again. The square that comes
+/// next is read ahead meanwhile.
+template <class T, int bytes, class Map>
+void stream_through_buffer(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map)
 {
-    return (reinterpret_cast<size_t>(b.first) | b.ld * sizeof(T)) % 64 == 0;
+    constexpr size_t side = 512 / sizeof(T), strip = tile<T>, ld = side + strip;
+    alignas(64) unsigned char space[side * ld * sizeof(T)];
+    T *const buffer = reinterpret_cast<T *>(space);
+    for (size_t j = 0; j < length; j += side)
+        for (size_t i = 0; i < lines; i += side) {
+            const size_t last = i + side < lines ? i + side : lines;
+            const size_t width = j + side < length ? side : length - j;
+            for (size_t k = i; k < last; k += strip) {
+                for (size_t row = 0; row < strip && k + side + row < lines; ++row)
+                    for (size_t place = 0; place < width; place += strip)
+                        __builtin_prefetch(a.first + (k + side + row) * a.ld + j + place, 0, 2);
+                turn_any<T, bytes>(a.at(k, j), block<T>{buffer + (k - i), ld},
+                                   k + strip < last ? strip : last - k, width, map);
+            }
+            for (size_t k = 0; k < width; ++k)
+                move_line<T, bytes, true>(buffer + k * ld, b.at(j + k, i).first, last - i, kept<T>());
+        }
+    _mm_sfence();
 }
 
 template <class T, int bytes, class Map>
 void turn_mapped(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map, writing how)
 {
     constexpr size_t side = tile<T>;
+    const bool aligned = b.ld * sizeof(T) % 64 == 0 && reinterpret_cast<size_t>(b.first) % sizeof(T) == 0;
+    if (how == writing::streamed && !aligned)
+        return stream_through_buffer<T, bytes>(a, b, lines, length, map);
     const size_t first_i = before_cache_line(b.first, b.ld), first_j = before_cache_line(a.first, a.ld);
     if (lines < first_i + side || length < first_j + side)
         return turn_any<T, bytes>(a, b, lines, length, map);
@@ -129,23 +146,19 @@ void turn_mapped(block<const T> a, block<T> b, size_t lines, size_t length, cons
     edge(first_i, last_i, 0, first_j);
     const auto inner_a = a.at(first_i, first_j);
     const auto inner_b = b.at(first_j, first_i);
-    if (how == writing::streamed && on_cache_lines(inner_b))
-        turn_strips<T, bytes, true>(inner_a, inner_b, inner_lines, inner_length, map);
-    else if (how == writing::crosswise)
-        turn_diagonals<T, bytes>(inner_a, inner_b, inner_lines, inner_length, map);
+    if (how == writing::streamed)
+        stream_tiles<T, bytes>(inner_a, inner_b, inner_lines, inner_length, map);
     else
-        turn_strips<T, bytes, false>(inner_a, inner_b, inner_lines, inner_length, map);
+        turn_tiles<T, bytes>(inner_a, inner_b, inner_lines, inner_length, map);
     edge(first_i, last_i, last_j, length);
     edge(last_i, lines, 0, length);
-    if (how == writing::streamed)
-        _mm_sfence();
 }
 
 template <class T, int bytes>
 void turn(block<const T> a, block<T> b, size_t lines, size_t length, const factor<T> &by, writing how)
 {
     if (by.keeps)
-        turn_mapped<T, bytes>(a, b, lines, length, kept<T>(by), how);
+        turn_mapped<T, bytes>(a, b, lines, length, kept<T>(), how);
     else
         turn_mapped<T, bytes>(a, b, lines, length, scaled<T>(by), how);
 }

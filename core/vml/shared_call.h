@@ -1,6 +1,7 @@
-// A call whose vector several threads share, as the kernel library sees it. That keeps mode, status and callback for each
-// thread: a worker takes over the mode of the caller for the length of its part, and the parts' errors become the caller's, the
-// smallest status of all, as if one thread had gone over the whole vector.
+// A call whose vector several threads share, as the kernel library sees it. That keeps mode, status and
+// callback for each thread: a worker takes over the mode of the caller for the length of its part, and
+// the parts' errors become the caller's, the smallest status of all, as if one thread had gone over the
+// whole vector.
 #pragma once
 
 #include <atomic>
@@ -28,7 +29,8 @@ class shared_call {
   public:
     explicit shared_call(void *library) noexcept;
 
-    // False where somebody is told of each error: that happens on the caller's thread, element after element.
+    // False where somebody is told of each error: that happens on the caller's thread, element after
+    // element.
     bool may_be_shared() const noexcept { return shareable_; }
 
     // Makes the parts' errors the caller's.

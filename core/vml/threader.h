@@ -1,5 +1,5 @@
-// The threaders: a vector in parts on several threads, where it is long enough to pay. Short ones go straight to
-// the kernel.
+// The threaders: a vector in parts on several threads, where it is long enough to pay. Short ones go
+// straight to the kernel.
 #pragma once
 
 #include "service/kernel_threads.h"
@@ -28,7 +28,8 @@ struct one_scalar {
     std::tuple<T> from(int64_t) const { return {value}; }
 };
 
-// Parts start where registers of all kernels start, so that every element has the neighbours that it has on one thread.
+// Parts start where registers of all kernels start, so that every element has the neighbours that it has
+// on one thread.
 constexpr int64_t vector_part_unit = 64;
 constexpr int64_t vector_parts = 64;
 

@@ -98,7 +98,8 @@ inline void call_kernel(const kernel_row &row, int set, int32_t n, const vectors
                                              : call_with<double>(row, set, n, v);
 }
 
-/// Numbers of both kinds of element for which most functions have a value, and a few for which some have none
+/// Numbers of both kinds of element for which most functions have a value, and a few for which some have
+/// none
 inline void fill_arguments(const kernel_row &row, char *bytes, size_t size, double first)
 {
     const bool single = row.element == 's' || row.element == 'c';

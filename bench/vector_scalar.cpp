@@ -1,7 +1,9 @@
-// One call of Boost.Math an element.
+// Functions that no vector of the compiler's serves: the C library's, or where that has none, Boost.Math's.
 #include "vector_loops.h"
 
 #include <boost/math/special_functions/erf.hpp>
+
+#include <math.h>
 
 namespace {
 
@@ -24,13 +26,16 @@ R erf_inverse(R a)
 }
 
 const loops_of loops[] = {
+    {"LGamma", unary<double, lgamma>, unary<float, lgammaf>},
+    {"TGamma", unary<double, tgamma>, unary<float, tgammaf>},
+    {"J0", unary<double, j0>, unary<float, j0f>},
     {"CdfNormInv", unary<double, normal_quantile>, unary<float, normal_quantile>},
     {"ErfInv", unary<double, erf_inverse>, unary<float, erf_inverse>},
 };
 
 } // namespace
 
-const loops_of *boost_loops(const char *function)
+const loops_of *scalar_loops(const char *function)
 {
     return find_loops(loops, function);
 }
