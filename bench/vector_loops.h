@@ -14,14 +14,14 @@ struct loops_of {
     vector_loop<float> in_float;
 };
 
-/// nullptr, if a function is not there
-const loops_of *libm_loops(const char *function);     // one call of the C library an element
-const loops_of *compiler_loops(const char *function); // the compiler's vectors over glibc's vector library
-const loops_of *
-sleef_loops_1ulp(const char *function); // SLEEF called with the widest vectors of the machine
+// One call of the C library an element; with the compiler's vectors over glibc's vector library; with the widest vectors
+// of SLEEF, of both its accuracies; and where glibc has no vectors, one call an element. Each gives nullptr for a
+// function that is not there.
+const loops_of *libm_loops(const char *function);
+const loops_of *compiler_loops(const char *function);
+const loops_of *sleef_loops_1ulp(const char *function);
 const loops_of *sleef_loops_4ulp(const char *function);
-const loops_of *
-boost_loops(const char *function); // one call of Boost.Math, for what the C library does not have
+const loops_of *scalar_loops(const char *function);
 
 template <int Count>
 const loops_of *find_loops(const loops_of (&all)[Count], const char *function)
