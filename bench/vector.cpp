@@ -1,7 +1,7 @@
 // Nanoseconds an element of the vector math routines in their three modes, on one thread, beside a loop over the C library,
 // the compiler's own vectors over glibc's vector library, and SLEEF called directly; and what a call of 10 elements
 // costs over its kernel. All in one run and in turn, so that a noisy machine disturbs all alike.
-// usage: bench_vector KERNEL_LIBRARY
+// usage: bench_vector KERNEL_LIBRARY [ROUTINE...]
 #include "vector_loops.h"
 #include "xkl_service.h"
 #include "xkl_vml.h"
@@ -189,20 +189,26 @@ void compare_short(void *kernels)
 
 int main(int argc, char **argv)
 {
-    void *const kernels = argc == 2 ? dlopen(argv[1], RTLD_NOW | RTLD_LOCAL) : nullptr;
+    void *const kernels = argc >= 2 ? dlopen(argv[1], RTLD_NOW | RTLD_LOCAL) : nullptr;
     if (!kernels) {
-        std::fprintf(stderr, "usage: bench_vector KERNEL_LIBRARY (%s)\n",
-                     argc == 2 ? dlerror() : "missing");
+        std::fprintf(stderr, "usage: bench_vector KERNEL_LIBRARY [ROUTINE...] (%s)
+", argc >= 2 ? dlerror() : "missing");
         return 1;
     }
     XKL_Set_Num_Threads(1);
     std::printf("%-14s %8s %8s %8s %8s %8s %8s %8s   %5s %5s %5s\n", "ns an element", "HA", "LA", "EP",
                 "libm", "compiler", "SLEEF 1", "SLEEF 4", "HA/S1", "LA/b.", "libm/");
+    const std::vector<std::string> chosen(argv + 2, argv + argc);
+    const auto wanted = [&](const char *name) {
+        return chosen.empty() || std::find(chosen.begin(), chosen.end(), name) != chosen.end();
+    };
     for (const int64_t n : {1000, 1000000}) {
         for (const auto &each : in_double)
-            compare(each, n);
+            if (wanted(each.name))
+                compare(each, n);
         for (const auto &each : in_float)
-            compare(each, n);
+            if (wanted(each.name))
+                compare(each, n);
     }
     compare_short(kernels);
     return 0;

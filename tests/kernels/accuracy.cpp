@@ -238,7 +238,7 @@ int from_environment(const char *name, int otherwise)
 
 effort wanted_effort()
 {
-    return {from_environment("XKL_ACCURACY_SAMPLES", 1600),
+    return {from_environment("XKL_ACCURACY_SAMPLES", 4000),
             static_cast<unsigned>(from_environment("XKL_ACCURACY_SEED", 20240229))};
 }
 

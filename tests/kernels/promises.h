@@ -3,6 +3,7 @@
 
 #include "number.h"
 
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -37,6 +38,7 @@ struct promise {
     bool complex() const { return type == 'c' || type == 'z'; }
     std::string kernel() const { return type + function; }
     std::string routine() const { return "v" + kernel(); }
+    friend std::ostream &operator<<(std::ostream &out, const promise &p) { return out << p.routine(); }
 };
 
 /// Rows of the table, one promise for each type; throws std::runtime_error with the line's number
