@@ -191,8 +191,8 @@ int main(int argc, char **argv)
 {
     void *const kernels = argc >= 2 ? dlopen(argv[1], RTLD_NOW | RTLD_LOCAL) : nullptr;
     if (!kernels) {
-        std::fprintf(stderr, "usage: bench_vector KERNEL_LIBRARY [ROUTINE...] (%s)
-", argc >= 2 ? dlerror() : "missing");
+        std::fprintf(stderr, "usage: bench_vector KERNEL_LIBRARY [ROUTINE...] (%s)\n",
+                     argc >= 2 ? dlerror() : "missing");
         return 1;
     }
     XKL_Set_Num_Threads(1);
