@@ -22,12 +22,14 @@ XKL_HOT V element_by_element(const F &f, V a)
     return by_element([&f](R x) { return static_cast<R>(f(static_cast<working<A, R>>(x))); }, a);
 }
 
+/// With doubles these lose more than 4 ULP.
 template <class R, int Order>
 struct modified_bessel {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return element_by_element<A>([](auto x) { return scalar::modified_bessel(Order, x); }, a);
+        constexpr accuracy used = A == accuracy::low ? accuracy::high : A;
+        return element_by_element<used>([](auto x) { return scalar::modified_bessel(Order, x); }, a);
     }
     XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_infinite(y); }
     status settle(R a, R &y) const { return overflow_or_nan(y, a); }
@@ -39,6 +41,20 @@ template <class R>
 struct i1_function : modified_bessel<R, 1> {
 };
 
+/// J or Y of one element. In low accuracy doubles do where the function isn't much smaller than its waves, of amplitude
+/// sqrt(2/(pi*x)): elsewhere their error, which is one of the waves, takes more than 4 ULP.
+template <accuracy A, class F, class R>
+XKL_HOT R wave(const F &f, R x)
+{
+    if constexpr (A != accuracy::low || sizeof(R) == 4)
+        return static_cast<R>(f(static_cast<working<A, R>>(x)));
+    else {
+        const R y = f(x);
+        const bool large = y * y * __builtin_fabs(x) > R(.16); // more than half of the amplitude
+        return large ? y : static_cast<R>(f(static_cast<long double>(x)));
+    }
+}
+
 template <class R>
 struct jn_function {
     R order;
@@ -46,7 +62,11 @@ struct jn_function {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return element_by_element<A>([this](auto x) { return scalar::bessel_j(decltype(x)(order), x); }, a);
+        return by_element(
+            [this](R x) {
+                return wave<A>([this](auto x_) { return scalar::bessel_j(decltype(x_)(order), x_); }, x);
+            },
+            a);
     }
     XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return is_not_finite(y) | (is_tiny(y) & (a != 0)); }
     status settle(R a, R &y) const
@@ -72,7 +92,11 @@ struct yn_function {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return element_by_element<A>([this](auto x) { return scalar::bessel_y(decltype(x)(order), x); }, a);
+        return by_element(
+            [this](R x) {
+                return wave<A>([this](auto x_) { return scalar::bessel_y(decltype(x_)(order), x_); }, x);
+            },
+            a);
     }
     XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y); }
     status settle(R a, R &y) const { return a == 0 ? singularity : overflow_or_nan(y, a, order); }
@@ -91,13 +115,27 @@ struct expint1_function {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return element_by_element<A>([](auto x) { return scalar::exponential_integral(x); }, a);
+        if constexpr (A != accuracy::low)
+            return element_by_element<A>([](auto x) { return scalar::exponential_integral(x); }, a);
+        else // with doubles below 1 more than 4 ULP
+            return by_element(
+                [](R x) {
+                    return static_cast<R>(x < 1 && sizeof(R) == 8
+                                              ? scalar::exponential_integral(static_cast<long double>(x))
+                                              : scalar::exponential_integral(static_cast<double>(x)));
+                },
+                a);
     }
-    XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y) | is_tiny(y); }
+    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const
+    {
+        return is_not_finite(y) | (a > (sizeof(R) == 8 ? R(650) : R(80)));
+    }
     status settle(R a, R &y) const
     {
         if (a == 0)
             return singularity;
+        if (a > 0) // doubles lose digits before their results become denormal
+            y = static_cast<R>(scalar::exponential_integral(static_cast<long double>(a)));
         return tiny(y) && !infinite(a) ? underflow : overflow_or_nan(y, a);
     }
 };

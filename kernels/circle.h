@@ -8,7 +8,7 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
-constexpr double sine_terms[] = {-0x1.5555555555555p-3, 0x1.1111111111110p-7,  -0x1.a01a01a019926p-13,
+constexpr double sine_terms[] = {-0x1.5555555555555p-3, 0x1.1111111111110p-7,   -0x1.a01a01a019926p-13,
                                  0x1.71de3a545e704p-19, -0x1.ae64540f0c1bcp-26, 0x1.61217c18c5ad7p-33,
                                  -0x1.ab161790d47bdp-41};
 constexpr double cosine_terms[] = {0x1.5555555555555p-5,   -0x1.6c16c16c16960p-10, 0x1.a01a019f4d0f0p-16,

@@ -18,7 +18,7 @@ XKL_HOT division<V> divided(V a, V b)
 {
     V quotient = rounded<direction::to_zero>(a / b);
     const extended<V> product = exact_product(quotient, b);
-    V rest = (a - product.high) - product.low; // exact, as it has no digit beyond those of b
+    V rest = (a - product.high) - product.low;        // exact, as it has no digit beyond those of b
     const auto less = quotient == 0, over = rest < 0; // the quotient was rounded up to an integer
     quotient = over ? quotient - 1 : quotient;
     rest = over ? rest + b : rest;

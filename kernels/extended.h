@@ -84,8 +84,8 @@ XKL_HOT extended<V> operator/(extended<V> a, extended<V> b)
 {
     const V quotient = a.high / b.high;
     const extended<V> back = exact_product(quotient, b.high);
-    return exact_sum_ordered<V>(
-        quotient, ((a.high - back.high) - back.low + a.low - quotient * b.low) / b.high);
+    return exact_sum_ordered<V>(quotient,
+                                ((a.high - back.high) - back.low + a.low - quotient * b.low) / b.high);
 }
 
 /// The square root of x >= 0
@@ -112,6 +112,22 @@ XKL_HOT V polynomial(V x, const double (&c)[N])
     V y = broadcast(static_cast<element<V>>(c[N - 1]));
     for (int i = N - 2; i >= 0; --i)
         y = multiply_add(y, x, broadcast(static_cast<element<V>>(c[i])));
+    return y;
+}
+
+/// The same, its first Exact steps from the constant on with all digits
+template <int Exact, class V, int N>
+XKL_HOT extended<V> extended_polynomial(V x, const double (&c)[N])
+{
+    V inner = broadcast(static_cast<element<V>>(c[N - 1]));
+    for (int i = N - 2; i >= Exact; --i)
+        inner = multiply_add(inner, x, broadcast(static_cast<element<V>>(c[i])));
+    extended<V> y = {inner, V{}};
+    for (int i = Exact - 1; i >= 0; --i) {
+        const extended<V> product = exact_product(y.high, x),
+                          sum = exact_sum(broadcast(static_cast<element<V>>(c[i])), product.high);
+        y = {sum.high, sum.low + multiply_add(y.low, x, product.low)};
+    }
     return y;
 }
 

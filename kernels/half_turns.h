@@ -165,8 +165,8 @@ struct atan2pi_function {
     XKL_HOT V value(V a, V b) const
     {
         if constexpr (sizeof(R) == 4)
-            return in_double([](vec<double> y, vec<double> x) { return sleef::atan2_u35(y, x) * per_radian; },
-                             a, b);
+            return in_double(
+                [](vec<double> y, vec<double> x) { return sleef::atan2_u35(y, x) * per_radian; }, a, b);
         else if constexpr (A != accuracy::high)
             return sleef::atan2_u10(a, b) * per_radian;
         else {

@@ -22,9 +22,13 @@ template <class V>
 XKL_HOT scaled<V> within_range(V x, element<V> up)
 {
     const V magnitude = absolute(x);
-    const auto small = magnitude < 0x1p-600, large = magnitude > 0x1p600;
-    return {small ? x * 0x1p300 : large ? x * 0x1p-300 : x,
-            small ? broadcast(1 / up) : large ? broadcast(up) : broadcast(element<V>(1))};
+    const auto small = magnitude<0x1p-600, large = magnitude> 0x1p600;
+    return {small   ? x * 0x1p300
+            : large ? x * 0x1p-300
+                    : x,
+            small   ? broadcast(1 / up)
+            : large ? broadcast(up)
+                    : broadcast(element<V>(1))};
 }
 
 /// The cube root of x, which is neither zero nor at the ends of the range

@@ -23,7 +23,7 @@ bool is_order_of_integer(T order)
 template <class T>
 T i(int order, T x)
 {
-    if (!std::isfinite(x))
+    if (!std::isfinite(x) || (x == 0 && order == 1))
         return order == 0 ? std::fabs(x) : x;
     return boost::math::cyl_bessel_i(order, x, quiet());
 }
@@ -38,6 +38,8 @@ T j(T order, T x)
         return nan<T>;
     if (std::isinf(x))
         return 0;
+    if (x == 0 && integer && std::fmod(order, T(2)) != 0)
+        return order < 0 ? -x : x; // an odd function
     return integer ? boost::math::cyl_bessel_j(static_cast<int>(order), x, quiet())
                    : boost::math::cyl_bessel_j(order, x, quiet());
 }
