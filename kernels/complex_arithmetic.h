@@ -7,10 +7,10 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
+/// Floats are multiplied as floats: twice as fast, and with sums of products that keep all digits as exact.
 struct mul_core : without_poles {
     static constexpr bool underflows = true;
-    using V = complex_vec<double>;
-    template <accuracy A>
+    template <accuracy A, class V>
     XKL_HOT V value(V a, V b) const
     {
         return {sum_of_products<A>(a.re, b.re, -a.im, b.im), sum_of_products<A>(a.re, b.im, a.im, b.re)};
@@ -18,13 +18,16 @@ struct mul_core : without_poles {
     template <class R>
     XKL_HOT static auto rare(complex_vec<R> a, complex_vec<R> b, complex_vec<R> y)
     {
-        return is_not_finite(y) | (is_tiny(y.re) & is_tiny(y.im) & ~is_zero(a) & ~is_zero(b));
+        const auto extreme = is_extreme(y);
+        if (!any(extreme)) [[likely]]
+            return extreme;
+        return (extreme & ~is_zero(a) & ~is_zero(b)) | is_not_finite(y);
     }
     static scalar::wide exact(scalar::wide a, scalar::wide b) { return scalar::multiply(a, b); }
 };
 
 struct mulbyconj_core : mul_core {
-    template <accuracy A>
+    template <accuracy A, class V>
     XKL_HOT V value(V a, V b) const
     {
         return mul_core::value<A>(a, V{b.re, -b.im});
@@ -36,19 +39,19 @@ struct mulbyconj_core : mul_core {
 };
 
 struct div_core {
-    static constexpr bool underflows = true;
+    static constexpr bool underflows = true, exacting = false;
     using V = complex_vec<double>;
     template <accuracy A>
     XKL_HOT V value(V a, V b) const
     {
-        const auto square = multiply_add(b.re, b.re, b.im * b.im);
+        const auto square = sum_of_products<accuracy::high>(b.re, b.re, b.im, b.im);
         return {sum_of_products<A>(a.re, b.re, a.im, b.im) / square,
                 sum_of_products<A>(a.im, b.re, -a.re, b.im) / square};
     }
     template <class R>
     XKL_HOT static auto rare(complex_vec<R> a, complex_vec<R> b, complex_vec<R> y)
     {
-        const auto small = too_small_to_square(a) | (is_tiny(y.re) & is_tiny(y.im));
+        const auto small = too_small_to_square(a) | is_extreme(y);
         return too_large_to_square(a) | too_large_to_square(b) | too_small_to_square(b) |
                (small & ~is_zero(a)) | is_not_finite(y);
     }
@@ -62,9 +65,21 @@ struct div_core {
 
 template <class R>
 struct complex_mul_function : complex_function<R, mul_core> {
+    using V = complex_vec<R>;
+    template <accuracy A>
+    XKL_HOT V value(V a, V b) const
+    {
+        return mul_core{}.template value<A>(a, b);
+    }
 };
 template <class R>
 struct complex_mulbyconj_function : complex_function<R, mulbyconj_core> {
+    using V = complex_vec<R>;
+    template <accuracy A>
+    XKL_HOT V value(V a, V b) const
+    {
+        return mulbyconj_core{}.template value<A>(a, b);
+    }
 };
 template <class R>
 struct complex_div_function : complex_function<R, div_core> {

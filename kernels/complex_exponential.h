@@ -37,7 +37,7 @@ XKL_HOT vec<double> logarithm_of_magnitude(complex_doubles a)
 }
 
 struct ln_core {
-    static constexpr bool underflows = false;
+    static constexpr bool underflows = false, exacting = false;
     template <accuracy A>
     XKL_HOT complex_doubles value(complex_doubles a) const
     {

@@ -1,7 +1,7 @@
 // Inverse trigonometric and hyperbolic functions of complex numbers: Acos, Asin, Atan, Acosh, Asinh, Atanh.
 //
-// All come from the first quadrant, with signs put on afterwards: so both sides of a branch cut are told apart by the
-// sign of a zero.
+// All come from the first quadrant, with signs put on afterwards: so both sides of a branch cut are told
+// apart by the sign of a zero.
 #pragma once
 
 #include "complex_trigonometric.h"
@@ -10,9 +10,9 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
-/// What arc sine and arc cosine are made of, for x, y >= 0. With r and s the distances of x+iy from -1 and 1, and
-/// a = (r + s)/2: the angle's sine is x/a, its cosine is to the sine as `adjacent` to x, and cosh(height) = a. Differences
-/// that cancel, a - x and a - 1, are put together from terms that are all positive.
+/// What arc sine and arc cosine are made of, for x, y >= 0. With r and s the distances of x+iy from -1 and 1,
+/// and a = (r + s)/2: the angle's sine is x/a, its cosine is to the sine as `adjacent` to x, and cosh(height)
+/// = a. Differences that cancel, a - x and a - 1, are put together from terms that are all positive.
 struct arc_parts {
     vec<double> x, adjacent, height;
 };
@@ -42,7 +42,8 @@ XKL_HOT vec<double> angle_of(vec<double> y, vec<double> x)
     return atan2_function<double>{}.value<A>(y, x);
 }
 
-/// Numbers whose squares lose digits, on their own or next to the branch points; on the axis there are none to lose.
+/// Numbers whose squares lose digits, on their own or next to the branch points; on the axis there are none
+/// to lose.
 template <class R, class V>
 XKL_HOT auto is_hard_inverse(complex_vec<R> a, V across)
 {
@@ -101,7 +102,7 @@ struct asinh_core : asin_core {
 
 /// log1p(4*x/((1 - x)**2 + y**2))/4 + i*atan2(2*y, (1 - x)*(1 + x) - y**2)/2
 struct atanh_core {
-    static constexpr bool underflows = false;
+    static constexpr bool underflows = false, exacting = false;
     template <accuracy A>
     XKL_HOT complex_vec<double> value(complex_vec<double> a) const
     {

@@ -1,8 +1,9 @@
 // Powers of complex numbers: Pow, Powx.
 //
-// a**b is exp(b*log(a)), and the errors of the logarithm grow with b*log(a), to a thousand times and more. So logarithm and
-// product are computed in two parts, with some 64 digits; that leaves the errors of exponential, sine and cosine.
-// Floats, and doubles of which half of the digits are wanted, are content with the plain formula.
+// a**b is exp(b*log(a)), and the errors of the logarithm grow with b*log(a), to a thousand times and more. So
+// logarithm and product are computed in two parts, with some 64 binary digits; that leaves the errors of
+// exponential, sine and cosine. Floats, and doubles of which half of the digits are wanted, are content with
+// the plain formula.
 #pragma once
 
 #include "complex_exponential.h"
@@ -10,8 +11,8 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
-/// Area tangent and (Sign = -1) arc tangent of small arguments, |t| < 0.18: the first two terms of the series in two parts,
-/// the others, up to t**25, in one.
+/// Area tangent and (Sign = -1) arc tangent of small arguments, |t| < 0.18: the first two terms of the series
+/// in two parts, the others, up to t**25, in one.
 template <int Sign>
 XKL_HOT split_number small_tangent_inverse(split_number t)
 {
@@ -25,8 +26,8 @@ XKL_HOT split_number small_tangent_inverse(split_number t)
     return sum(t, {Sign * cube.first, multiply_add(broadcast<double>(Sign), cube.second, tail)});
 }
 
-/// log(|a|) of a square that is neither denormal nor infinite: half of the square's exponent, and of its mantissa m the area
-/// tangent of (m - 1)/(m + 1)
+/// log(|a|) of a square that is neither denormal nor infinite: half of the square's exponent, and of its
+/// mantissa m the area tangent of (m - 1)/(m + 1)
 XKL_HOT split_number split_logarithm(split_number square)
 {
     using U = vec<uint64_t>;
@@ -44,8 +45,8 @@ XKL_HOT split_number split_logarithm(split_number square)
     return sum(tidied(power * half_of_ln2, power * its_rest), small_tangent_inverse<1>(t));
 }
 
-/// atan2(y, x): the angle from the nearest of the directions of 0, pi/16... pi/4, whose tangents are p, is the arc tangent of
-/// (y - p*x)/(x + p*y).
+/// atan2(y, x): the angle from the nearest of the directions of 0, pi/16... pi/4, whose tangents are p, is
+/// the arc tangent of (y - p*x)/(x + p*y).
 XKL_HOT split_number split_angle(complex_vec<double> a)
 {
     struct direction {
@@ -79,7 +80,7 @@ XKL_HOT split_number split_angle(complex_vec<double> a)
 }
 
 struct pow_core {
-    static constexpr bool underflows = true;
+    static constexpr bool underflows = true, exacting = true;
     template <accuracy A>
     XKL_HOT complex_doubles value(complex_doubles a, complex_doubles b) const
     {
@@ -101,8 +102,7 @@ struct pow_core {
     template <class R>
     XKL_HOT static auto rare(complex_vec<R> a, complex_vec<R> b, complex_vec<R> y)
     {
-        return too_large_to_square(a) | too_small_to_square(a) | is_not_finite(b) | is_not_finite(y) |
-               (is_tiny(y.re) & is_tiny(y.im));
+        return too_large_to_square(a) | too_small_to_square(a) | is_not_finite(b) | is_extreme(y);
     }
     template <class C>
     static bool pole(C a, C b)
@@ -111,22 +111,8 @@ struct pow_core {
     }
 };
 
-/// The core in the accuracy that 4 ULP take
-template <accuracy A, class R>
-XKL_HOT complex_vec<R> complex_power(complex_vec<R> a, complex_vec<R> b)
-{
-    constexpr bool half_of_digits = A == accuracy::enhanced_performance;
-    return computed < pow_core, half_of_digits ? accuracy::low : accuracy::high > (pow_core{}, a, b);
-}
-
 template <class R>
 struct complex_pow_function : complex_function<R, pow_core> {
-    using V = complex_vec<R>;
-    template <accuracy A>
-    XKL_HOT V value(V a, V b) const
-    {
-        return complex_power<A>(a, b);
-    }
 };
 
 template <class R>
@@ -137,7 +123,7 @@ struct complex_powx_function {
     template <accuracy A>
     XKL_HOT V value(V a) const
     {
-        return complex_power<A>(a, exponent());
+        return complex_function<R, pow_core>{}.template value<A>(a, exponent());
     }
     XKL_HOT auto suspicious(V a, V y) const { return pow_core::rare<R>(a, exponent(), y); }
     status settle(complex<R> a, complex<R> &y) const

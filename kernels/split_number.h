@@ -1,4 +1,5 @@
-// Numbers in two doubles, the second a correction of the first: 30 and more digits where a double's 16 would not last.
+// Numbers in two doubles, the second a correction of the first: 30 and more digits where a double's 16 would
+// not last.
 #pragma once
 
 #include "packs.h"
@@ -14,12 +15,14 @@ XKL_HOT split_number exact_sum(vec<double> a, vec<double> b)
     return {sum, (a - (sum - b_in_sum)) + (b - b_in_sum)};
 }
 
-XKL_HOT split_number exact_product(vec<double> a, vec<double> b)
+template <class V>
+XKL_HOT two<V> exact_product(V a, V b)
 {
+    using R = element<V>;
     const auto product = a * b;
     if constexpr (has_fma)
         return {product, multiply_add(a, b, -product)};
-    constexpr double half_of_digits = 0x1p27 + 1;
+    constexpr R half_of_digits = sizeof(R) == 8 ? 0x1p27 + 1 : 0x1p12 + 1;
     const auto a_high = a * half_of_digits - (a * half_of_digits - a), a_low = a - a_high,
                b_high = b * half_of_digits - (b * half_of_digits - b), b_low = b - b_high;
     return {product, ((a_high * b_high - product) + a_high * b_low + a_low * b_high) + a_low * b_low};

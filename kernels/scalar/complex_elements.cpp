@@ -1,5 +1,5 @@
-// Complex elements by the C library's functions and the compiler's products and quotients, in long double: exponents of
-// double don't overflow there, and 11 more bits make the rounded result right but for rare ties.
+// Complex elements by the C library's functions and the compiler's products and quotients, in long double:
+// exponents of double don't overflow there, and 11 more bits make the rounded result right but for rare ties.
 #include "complex_elements.h"
 
 #include <cmath>

@@ -1,5 +1,5 @@
-// Complex functions of one element with more digits and a wider range than the vectors have: what is settled out of the
-// fast path. They are the C library's, with the special cases of Annex G.
+// Complex functions of one element with more digits and a wider range than the vectors have: what is settled
+// out of the fast path. They are the C library's, with the special cases of Annex G.
 #pragma once
 
 #include "../complex.h"

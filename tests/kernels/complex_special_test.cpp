@@ -1,5 +1,6 @@
-// Special values of complex kernels: the tables of the C standard's Annex G, results that must not overflow or underflow
-// on the way, and statuses, for both types, in each instruction set of this processor and in each mode.
+// Special values of complex kernels: the tables of the C standard's Annex G, results that must not overflow
+// or underflow on the way, and statuses, for both types, in each instruction set of this processor and in
+// each mode.
 #include "library.h"
 
 #include <cmath>
