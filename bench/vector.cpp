@@ -109,11 +109,11 @@ vector_loop<float> loop_of(const loops_of &loops, float)
     return loops.in_float;
 }
 
-std::string cell(double time)
+std::string cell(double value)
 {
     char text[16];
-    std::snprintf(text, sizeof text, "%8.2f", time);
-    return std::isfinite(time) ? text : "       -";
+    std::snprintf(text, sizeof text, "%8.2f", value);
+    return value > 0 && std::isfinite(value) ? text : "       -"; // nobody to compare with
 }
 
 /// The columns of one line: three modes, the C library (or Boost), compiler, SLEEF within 1 and 4 ULP
@@ -126,7 +126,8 @@ void print_line(const std::string &title, const std::vector<double> &ns)
         std::printf(" %s", cell(time).c_str());
     const double base_high = ns[sleef1],
                  base_low = std::min(ns[sleef4], std::min(ns[compiler], ns[sleef1]));
-    std::printf("   %5.2f %5.2f %5.2f", ns[high] / base_high, ns[low] / base_low, ns[scalar] / ns[high]);
+    for (const double ratio : {ns[high] / base_high, ns[low] / base_low, ns[scalar] / ns[high]})
+        std::printf(" %s", cell(ratio).c_str());
     if (ns[high] > of_base * base_high)
         std::printf("  HIGH OVER BASE");
     if (ns[low] > of_base * base_low)
@@ -196,8 +197,8 @@ int main(int argc, char **argv)
         return 1;
     }
     XKL_Set_Num_Threads(1);
-    std::printf("%-14s %8s %8s %8s %8s %8s %8s %8s   %5s %5s %5s\n", "ns an element", "HA", "LA", "EP",
-                "libm", "compiler", "SLEEF 1", "SLEEF 4", "HA/S1", "LA/b.", "libm/");
+    std::printf("%-14s %8s %8s %8s %8s %8s %8s %8s %8s %8s %8s\n", "ns an element", "HA", "LA", "EP",
+                "libm", "compiler", "SLEEF 1", "SLEEF 4", "HA/base", "LA/base", "libm/HA");
     const std::vector<std::string> chosen(argv + 2, argv + argc);
     const auto wanted = [&](const char *name) {
         return chosen.empty() || std::find(chosen.begin(), chosen.end(), name) != chosen.end();
