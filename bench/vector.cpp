@@ -1,6 +1,7 @@
-// Nanoseconds an element of the vector math routines in their three modes, on one thread, beside a loop over the C library,
-// the compiler's own vectors over glibc's vector library, and SLEEF called directly; and what a call of 10 elements
-// costs over its kernel. All in one run and in turn, so that a noisy machine disturbs all alike.
+// Nanoseconds an element of the vector math routines in their three modes, on one thread, beside a loop
+// over the C library, the compiler's own vectors over glibc's vector library, and SLEEF called directly;
+// and what a call of 10 elements costs over its kernel. All in one run and in turn, so that a noisy machine
+// disturbs all alike.
 // usage: bench_vector KERNEL_LIBRARY [ROUTINE...]
 #include "vector_loops.h"
 #include "xkl_service.h"
@@ -74,7 +75,8 @@ double seconds()
     return duration<double>(steady_clock::now().time_since_epoch()).count();
 }
 
-/// The least seconds of one call for each body, all taken in turn: what disturbs a measurement only makes it longer.
+/// The least seconds of one call for each body, all taken in turn: what disturbs a measurement only makes
+/// it longer.
 std::vector<double> time_in_turn(const std::vector<body> &bodies, long calls, int rounds)
 {
     std::vector<double> best(bodies.size(), std::numeric_limits<double>::infinity());

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-/// One vector; functions of one argument leave b alone. SLEEF's read and write whole registers: vectors have room for one
-/// more.
+/// One vector; functions of one argument leave b alone. SLEEF's read and write whole registers: vectors
+/// have room for one more.
 template <class R>
 using vector_loop = void (*)(int64_t n, const R *a, const R *b, R *r);
 
@@ -14,9 +14,9 @@ struct loops_of {
     vector_loop<float> in_float;
 };
 
-// One call of the C library an element; with the compiler's vectors over glibc's vector library; with the widest vectors
-// of SLEEF, of both its accuracies; and where glibc has no vectors, one call an element. Each gives nullptr for a
-// function that is not there.
+// One call of the C library an element; with the compiler's vectors over glibc's vector library; with the
+// widest vectors of SLEEF, of both its accuracies; and where glibc has no vectors, one call an element.
+// Each gives nullptr for a function that is not there.
 const loops_of *libm_loops(const char *function);
 const loops_of *compiler_loops(const char *function);
 const loops_of *sleef_loops_1ulp(const char *function);

@@ -1,5 +1,5 @@
-// Plain loops over the C library's functions, compiled twice: as libm_loops, one call an element, and with all that the
-// compiler can do as compiler_loops.
+// Plain loops over the C library's functions, compiled twice: as libm_loops, one call an element, and with
+// all that the compiler can do as compiler_loops.
 #include "vector_loops.h"
 
 #include <math.h>

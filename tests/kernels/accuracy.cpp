@@ -13,8 +13,9 @@ namespace {
 
 constexpr size_t same_scalar = 16; // elements of a call that has one scalar for all
 
-/// Distance in units of the last place that a result as large as `size` has. What is beyond the largest number counts
-/// as the number that would follow it, so that an infinity just above the limit is no worse than any other rounding.
+/// Distance in units of the last place that a result as large as `size` has. What is beyond the largest
+/// number counts as the number that would follow it, so that an infinity just above the limit is no worse
+/// than any other rounding.
 double in_units(const number &distance, const number &size, const format &f)
 {
     const mpfr_exp_t exponent = size.zero() ? f.least_exponent : mpfr_get_exp(size);

@@ -25,7 +25,8 @@ struct effort {
 /// What XKL_ACCURACY_SAMPLES and XKL_ACCURACY_SEED say, else few enough samples for every day
 effort wanted_effort();
 
-/// Nothing if the kernel is a stand-in; throws std::runtime_error if there is no reference for the function.
+/// Nothing if the kernel is a stand-in; throws std::runtime_error if there is no reference for the
+/// function.
 std::optional<measurement> measure(const promise &, const effort &);
 
 std::string describe(const promise &, int mode, const worst_case &);

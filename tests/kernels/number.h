@@ -3,7 +3,8 @@
 
 #include <mpfr.h>
 
-/// Digits to spare: compositions such as sqrt(z*z + 1) may lose hundreds of bits before a double would notice.
+/// Digits to spare: compositions such as sqrt(z*z + 1) may lose hundreds of bits before a double would
+/// notice.
 class number {
   public:
     static inline mpfr_prec_t bits = 256; // set by a reference before it computes

@@ -1,4 +1,5 @@
-// The table of promises: how far each function's results may be off, and for which arguments that is measured.
+// The table of promises: how far each function's results may be off, and for which arguments that is
+// measured.
 #pragma once
 
 #include "number.h"

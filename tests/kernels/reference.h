@@ -9,7 +9,8 @@ struct complex_number {
     number re, im;
 };
 
-/// Arguments of one element: second vector or scalar in b; `single` for functions that know their type (NextAfter).
+/// Arguments of one element: second vector or scalar in b; `single` for functions that know their type
+/// (NextAfter).
 struct real_arguments {
     number a, b;
     bool single;

@@ -137,6 +137,16 @@ number erf_inverse(const number &a)
     return a.negative() ? -x : x;
 }
 
+number normal_distribution(arguments x)
+{
+    return of<mpfr_erfc>(-x.a / of<mpfr_sqrt>(number(2))) / number(2);
+}
+
+number normal_quantile(arguments x)
+{
+    return -of<mpfr_sqrt>(number(2)) * erfc_inverse(number(2) * x.a);
+}
+
 number next_after(arguments x)
 {
     if (x.single)
@@ -226,8 +236,8 @@ const real_reference references[] = {
     {"Erfcx", [](arguments x) { return erfcx(x.a); }, nullptr, 2},
     {"ErfInv", [](arguments x) { return erf_inverse(x.a); }, nullptr, 4},
     {"ErfcInv", [](arguments x) { return erfc_inverse(x.a); }, nullptr, 4},
-    {"CdfNorm", [](arguments x) { return of<mpfr_erfc>(-x.a / of<mpfr_sqrt>(number(2))) / number(2); }, nullptr, 2},
-    {"CdfNormInv", [](arguments x) { return -of<mpfr_sqrt>(number(2)) * erfc_inverse(number(2) * x.a); }, nullptr, 4},
+    {"CdfNorm", normal_distribution, nullptr, 2},
+    {"CdfNormInv", normal_quantile, nullptr, 4},
     {"LGamma", lgamma, nullptr, 8},
     {"TGamma", of_a<mpfr_gamma>, nullptr, 8},
     {"ExpInt1", [](arguments x) { return -of<mpfr_eint>(-x.a); }, nullptr, 4},

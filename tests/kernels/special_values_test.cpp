@@ -1,5 +1,5 @@
-// Results and statuses at special arguments: each case in every lane of a register and in the rest of a vector, among
-// the function's other cases.
+// Results and statuses at special arguments: each case in every lane of a register and in the rest of a
+// vector, among the function's other cases.
 #include "promises.h"
 
 #include "kernel_rows.h"
@@ -143,7 +143,8 @@ class special_call {
   public:
     explicit special_call(const function_cases &function) : function_(function) {}
 
-    /// Elements are the cases in turn, from the one at `first`; one case alone where a scalar serves all elements.
+    /// Elements are the cases in turn, from the one at `first`; one case alone where a scalar serves all
+    /// elements.
     void run(size_t count, size_t first, int set, int mode)
     {
         const size_t n = function_.cases.size(), step = function_.row->kind == kernel_class::scalar ? 0 : 1;
