@@ -39,14 +39,25 @@ struct mulbyconj_core : mul_core {
 };
 
 struct div_core {
-    static constexpr bool underflows = true, exacting = false;
+    static constexpr bool underflows = true, exacting = true;
     using V = complex_vec<double>;
     template <accuracy A>
     XKL_HOT V value(V a, V b) const
     {
-        const auto square = sum_of_products<accuracy::high>(b.re, b.re, b.im, b.im);
-        return {sum_of_products<A>(a.re, b.re, a.im, b.im) / square,
-                sum_of_products<A>(a.im, b.re, -a.re, b.im) / square};
+        const auto re = sum_of_products<A>(a.re, b.re, a.im, b.im),
+                   im = sum_of_products<A>(a.im, b.re, -a.re, b.im);
+        if constexpr (A != accuracy::high || !has_fma) {
+            const auto square = b.re * b.re + b.im * b.im;
+            return {re / square, im / square};
+        }
+        const auto square = square_of_magnitude(b.re, b.im);
+        const auto reciprocal = 1 / square.first;
+        const auto refined = [&](vec<double> part) {
+            const auto q = part * reciprocal;
+            const auto left = multiply_add(-q, square.first, part) - q * square.second;
+            return part == 0 ? q : multiply_add(left, reciprocal, q);
+        };
+        return {refined(re), refined(im)};
     }
     template <class R>
     XKL_HOT static auto rare(complex_vec<R> a, complex_vec<R> b, complex_vec<R> y)

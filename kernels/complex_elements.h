@@ -1,8 +1,8 @@
 // What complex functions share: their rule, exact products, how a single element is settled.
 //
 // A complex function is an object Core with
-//   value<Accuracy>(complex_vec<double>...)  in doubles alone: floats go through the same code, where products are
-//                                            exact and nothing overflows, and are rounded right but for a few
+//   value<Accuracy>(complex_vec<double>...)  doubles alone: floats go through the same code, whose products
+//                                            are exact then; nothing overflows, and few are rounded wrong
 //   rare<R>(pack..., y)                      lanes to settle; y is the result of R
 //   exact(wide...), pole(element...)         an element in long double; is it a pole?
 //   underflows                               whether a small result is told of
@@ -12,7 +12,7 @@
 // MulByConj and Abs 2 ULP, for other functions of floats 1 ULP; Arg and CIS are as accurate as Atan2 and
 // SinCos. Each part keeps 8 ULP of its own at high accuracy, but in Pow, and, where there is no fused
 // multiply-add, in Mul and Div of parts that cancel. Powers: while the parts of b*log(a) stay below a
-// thousand. Enhanced performance computes powers of doubles to half of the digits.
+// thousand. Enhanced performance: half of the digits.
 //
 // The statuses of an element: a part that is no number though none was, a domain error; an infinite one
 // though none was, a singularity at a pole or an overflow; both parts below the smallest normal number, an

@@ -51,6 +51,7 @@ XKL_HOT auto is_hard_inverse(complex_vec<R> a, V across)
 }
 
 struct asin_core : without_poles {
+    static constexpr bool exacting = true;
     template <accuracy A>
     XKL_HOT complex_vec<double> value(complex_vec<double> a) const
     {
