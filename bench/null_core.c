@@ -24,6 +24,11 @@ int xkl_serv_printf_s(const char *format, ...)
     (void)format;
     return 0;
 }
+int xkl_serv_getenv(const char *name, char *value, int size)
+{
+    (void)name, (void)value, (void)size;
+    return 0;
+}
 void xkl_serv_default_xerbla(void) {}
 int32_t xkl_serv_default_progress(void)
 {

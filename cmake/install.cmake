@@ -9,14 +9,21 @@ target_link_libraries(xkl INTERFACE xkl_quorl_ilp64)
 add_library(xkl_gfortran INTERFACE)
 target_include_directories(xkl_gfortran INTERFACE $<INSTALL_INTERFACE:${header_directory}>)
 target_link_libraries(xkl_gfortran INTERFACE xkl_quorl_gf_ilp64 xkl_quorl_ilp64)
+# For programs that include the usual lapacke.h and cblas.h.
+add_library(xkl_compat INTERFACE)
+target_include_directories(xkl_compat INTERFACE $<INSTALL_INTERFACE:${header_directory}/compat>)
+target_link_libraries(xkl_compat INTERFACE xkl)
+set_target_properties(xkl_compat PROPERTIES EXPORT_NAME compat)
 set_target_properties(xkl_gfortran PROPERTIES EXPORT_NAME gfortran)
 
-install(TARGETS xkl_quorl_ilp64 xkl_quorl_gf_ilp64 xkl_core xkl_kernels xkl_public_headers xkl xkl_gfortran
+install(TARGETS xkl_quorl_ilp64 xkl_quorl_gf_ilp64 xkl_core xkl_kernels xkl_public_headers xkl xkl_gfortran xkl_compat
     EXPORT xklTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS xkl_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${XKL_HEADER_FILES} ${PROJECT_SOURCE_DIR}/include/xkl.h ${PROJECT_SOURCE_DIR}/include/xkl_types.h
-    ${PROJECT_SOURCE_DIR}/include/xkl_service_types.h ${PROJECT_SOURCE_DIR}/include/xkl_vml_types.h
+    ${PROJECT_SOURCE_DIR}/include/xkl_service_types.h ${PROJECT_SOURCE_DIR}/include/xkl_lapacke_types.h
+    ${PROJECT_SOURCE_DIR}/include/xkl_vml_types.h
     DESTINATION ${header_directory})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/compat DESTINATION ${header_directory})
 install(EXPORT xklTargets NAMESPACE xkl:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/xkl)
 
 set(XKL_FORTRAN_DIRECTORY ${header_directory})

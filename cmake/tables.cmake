@@ -8,16 +8,23 @@ set(XKL_LAPACK_TABLE_NAMES
     general symmetric triangular orthogonal auxiliary functions matgen deprecated extensions)
 list(TRANSFORM XKL_LAPACK_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapack/ OUTPUT_VARIABLE XKL_LAPACK_TABLES)
 list(TRANSFORM XKL_LAPACK_TABLES APPEND .tbl)
+set(XKL_LAPACKE_HELPERS ${PROJECT_SOURCE_DIR}/src/lapacke/helpers.tbl)
+set(XKL_LAPACKE_TABLE_NAMES
+    linear_general linear_positive linear_symmetric linear_triangular conversion least_squares
+    eigen_symmetric eigen_tridiagonal eigen_general singular_values auxiliary extensions)
+list(TRANSFORM XKL_LAPACKE_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/lapacke/ OUTPUT_VARIABLE XKL_LAPACKE_TABLES)
+list(TRANSFORM XKL_LAPACKE_TABLES APPEND .tbl)
+# What their routines stand on: ?ROT is one of BLAS.
+set(XKL_LAPACKE_BASE_TABLES ${PROJECT_SOURCE_DIR}/src/blas/level1.tbl ${XKL_LAPACK_TABLES})
 set(XKL_MATCOPY_TABLE_NAMES matcopy)
 set(XKL_MATCOPY_TABLES ${PROJECT_SOURCE_DIR}/src/matcopy/matcopy.tbl)
-set(XKL_LAPACKE_HELPERS ${PROJECT_SOURCE_DIR}/src/lapacke/helpers.tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 set(XKL_VML_TABLE ${PROJECT_SOURCE_DIR}/src/vml/vml.tbl)
 set(XKL_VML_SETTINGS ${PROJECT_SOURCE_DIR}/src/vml/settings.tbl)
 set(XKL_VML_LOADER ${PROJECT_SOURCE_DIR}/src/vml/loader.tbl)
 
 # For ./dev, which reads no CMake.
-foreach(family BLAS LAPACK MATCOPY)
+foreach(family BLAS LAPACK LAPACKE LAPACKE_BASE MATCOPY)
   string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
   file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
 endforeach()
@@ -26,9 +33,9 @@ set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sourc
 set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
 
-# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [VML v] [SETTINGS s] [OPTION text])
+# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s] [OPTION text])
 function(xkl_generate output command)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;OPTION" "TABLES;PROVIDERS")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;OPTION" "TABLES;PROVIDERS;LAPACKE")
   set(words ${command} -o ${output})
   if(arg_TABLES)
     list(APPEND words --tables ${arg_TABLES})
@@ -45,13 +52,16 @@ function(xkl_generate output command)
   if(arg_SETTINGS)
     list(APPEND words --settings ${arg_SETTINGS})
   endif()
+  if(arg_LAPACKE)
+    list(APPEND words --lapacke ${arg_LAPACKE})
+  endif()
   if(arg_OPTION)
     list(APPEND words --option ${arg_OPTION})
   endif()
   add_custom_command(
     OUTPUT ${output}
     COMMAND tablegen ${words}
-    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_VML} ${arg_SETTINGS}
+    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE} ${arg_VML} ${arg_SETTINGS}
     COMMENT "tablegen ${command}"
     VERBATIM)
 endfunction()

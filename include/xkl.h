@@ -5,6 +5,7 @@
 #include "xkl_blas.h"
 #include "xkl_cblas.h"
 #include "xkl_lapack.h"
+#include "xkl_lapacke.h"
 #include "xkl_matcopy.h"
 #include "xkl_service.h"
 #include "xkl_types.h"

@@ -8,6 +8,7 @@
 
 #include "xkl_service_types.h"
 
+#include <inttypes.h>
 #include <stddef.h>
 #include <stdint.h>
 
@@ -36,29 +37,41 @@ typedef uint16_t xkl_bf16; /* 1 sign, 8 exponent, 7 fraction bits */
 typedef uint8_t xkl_e4m3;  /* 1 sign, 4 exponent, 3 fraction bits */
 typedef uint8_t xkl_e5m2;  /* 1 sign, 5 exponent, 2 fraction bits */
 
+/* The integers of the C interface, under the names that every CBLAS uses. */
+#ifndef CBLAS_INT
+#define CBLAS_INT int64_t
+#endif
+#ifndef CBLAS_IFMT /* how printf writes one, behind the % */
+#define CBLAS_IFMT PRId64
+#endif
+#ifndef CBLAS_INDEX
+#define CBLAS_INDEX int64_t
+#endif
+
 /* Options of the C interface, with the values that every CBLAS uses. */
-typedef enum {
+typedef enum CBLAS_LAYOUT {
     CblasRowMajor = 101, /* element (i,j) of a at a[i*lda + j] */
     CblasColMajor = 102  /* element (i,j) of a at a[i + j*lda] */
 } CBLAS_LAYOUT;
+#define CBLAS_ORDER CBLAS_LAYOUT /* its name in older programs */
 
-typedef enum {
+typedef enum CBLAS_TRANSPOSE {
     CblasNoTrans = 111,  /* op(A) = A */
     CblasTrans = 112,    /* op(A) = A transposed */
     CblasConjTrans = 113 /* op(A) = A transposed and conjugated */
 } CBLAS_TRANSPOSE;
 
-typedef enum {
+typedef enum CBLAS_UPLO {
     CblasUpper = 121, /* the upper triangle is stored and used */
     CblasLower = 122  /* the lower triangle is stored and used */
 } CBLAS_UPLO;
 
-typedef enum {
+typedef enum CBLAS_DIAG {
     CblasNonUnit = 131, /* the diagonal is stored and used */
     CblasUnit = 132     /* the diagonal is taken as ones and never read */
 } CBLAS_DIAG;
 
-typedef enum {
+typedef enum CBLAS_SIDE {
     CblasLeft = 141, /* the special matrix stands to the left */
     CblasRight = 142 /* the special matrix stands to the right */
 } CBLAS_SIDE;

@@ -1,7 +1,8 @@
-// Bessel functions and the exponential integral, which no vector library has: I0, I1, J0, J1, Jn, Y0, Y1, Yn, ExpInt1.
+// Bessel functions and the exponential integral, which no vector library has: I0, I1, J0, J1, Jn, Y0, Y1, Yn,
+// ExpInt1.
 //
-// One element at a time: doubles in high accuracy through long doubles, all others through doubles. Orders of Jn and
-// Yn that are not integers are orders of their own right.
+// One element at a time: doubles in high accuracy through long doubles, all others through doubles. Orders of
+// Jn and Yn that are not integers are orders of their own right.
 #pragma once
 
 #include "elements.h"
@@ -41,19 +42,12 @@ template <class R>
 struct i1_function : modified_bessel<R, 1> {
 };
 
-/// J or Y of one element. In low accuracy doubles do where the function isn't much smaller than its waves, of amplitude
-/// sqrt(2/(pi*x)): elsewhere their error, which is one of the waves, takes more than 4 ULP.
-template <accuracy A, class F, class R>
-XKL_HOT R wave(const F &f, R x)
-{
-    if constexpr (A != accuracy::low || sizeof(R) == 4)
-        return static_cast<R>(f(static_cast<working<A, R>>(x)));
-    else {
-        const R y = f(x);
-        const bool large = y * y * __builtin_fabs(x) > R(.16); // more than half of the amplitude
-        return large ? y : static_cast<R>(f(static_cast<long double>(x)));
-    }
-}
+/// What an accuracy asks of J or Y
+template <accuracy A, class R>
+constexpr scalar::effort effort_for = sizeof(R) == 4 || A == accuracy::enhanced_performance
+                                          ? scalar::effort::least
+                                      : A == accuracy::low ? scalar::effort::less
+                                                           : scalar::effort::most;
 
 template <class R>
 struct jn_function {
@@ -63,10 +57,7 @@ struct jn_function {
     XKL_HOT vec<R> value(vec<R> a) const
     {
         return by_element(
-            [this](R x) {
-                return wave<A>([this](auto x_) { return scalar::bessel_j(decltype(x_)(order), x_); }, x);
-            },
-            a);
+            [this](R x) { return static_cast<R>(scalar::bessel_j(order, x, effort_for<A, R>)); }, a);
     }
     XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return is_not_finite(y) | (is_tiny(y) & (a != 0)); }
     status settle(R a, R &y) const
@@ -93,10 +84,7 @@ struct yn_function {
     XKL_HOT vec<R> value(vec<R> a) const
     {
         return by_element(
-            [this](R x) {
-                return wave<A>([this](auto x_) { return scalar::bessel_y(decltype(x_)(order), x_); }, x);
-            },
-            a);
+            [this](R x) { return static_cast<R>(scalar::bessel_y(order, x, effort_for<A, R>)); }, a);
     }
     XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y); }
     status settle(R a, R &y) const { return a == 0 ? singularity : overflow_or_nan(y, a, order); }

@@ -1,5 +1,5 @@
-// Sine and cosine of an angle known to twice the digits, for angles in other units than radians. Taylor's series with
-// coefficients that spread the error over [-pi/4, pi/4].
+// Sine and cosine of an angle known to twice the digits, for angles in other units than radians. Taylor's
+// series with coefficients that spread the error over [-pi/4, pi/4].
 #pragma once
 
 #include "base_library.h"

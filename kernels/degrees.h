@@ -1,5 +1,5 @@
-// Angles in degrees: Sind, Cosd, Tand. Their reduction to a quadrant is exact, so multiples of 90 degrees give exact zeros,
-// ones and poles.
+// Angles in degrees: Sind, Cosd, Tand. Their reduction to a quadrant is exact, so multiples of 90 degrees
+// give exact zeros, ones and poles.
 #pragma once
 
 #include "circle.h"
@@ -17,7 +17,8 @@ XKL_HOT direction_of<V> degrees(V a)
             quadrant_bits(right_angles)};
 }
 
-/// Angles that are too large for an exact product of 90 and the number of right angles are settled one at a time.
+/// Angles that are too large for an exact product of 90 and the number of right angles are settled one at a
+/// time.
 template <class R>
 struct of_degrees {
     XKL_HOT static auto large(vec<R> a) { return absolute(a) >= R(0x1p45); }

@@ -37,7 +37,8 @@ XKL_HOT V on_magnitudes(const F &f, V a, V b)
     return bits_as<V>(bits_as<vec<unsigned_of<element<V>>>>(y) ^ sign_of(a));
 }
 
-/// Where vectors don't serve: quotients of many digits, and numbers at the end of the range, whose products would end beyond
+/// Where vectors don't serve: quotients of many digits, and numbers at the end of the range, whose products
+/// would end beyond
 template <class R>
 struct exact_division {
     using V = vec<R>;
@@ -88,8 +89,8 @@ struct remainder_function : exact_division<R> {
     }
 };
 
-/// Numerator and denominator keep all digits of their products, so that sums which cancel have their ULPs all the same;
-/// in enhanced performance doubles lose them.
+/// Numerator and denominator keep all digits of their products, so that sums which cancel have their ULPs all
+/// the same; in enhanced performance doubles lose them.
 template <class R>
 struct linearfrac_function {
     using V = vec<R>;

@@ -1,7 +1,8 @@
-// Twice the digits: a number as the unevaluated sum of two registers, for the last bits of a result in high accuracy.
+// Twice the digits: a number as the unevaluated sum of two registers, for the last bits of a result in high
+// accuracy.
 //
-// With FMA a product's error is one instruction. Without, Dekker's product splits the factors; it needs factors below
-// 2**995 (doubles), which the functions see to.
+// With FMA a product's error is one instruction. Without, Dekker's product splits the factors; it needs
+// factors below 2**995 (doubles), which the functions see to.
 #pragma once
 
 #include "packs.h"

@@ -38,7 +38,8 @@ XKL_HOT with_exponent<V> extended_exp(extended<V> x)
     return {exact_sum_ordered<V>(start.high, start.low + more), k};
 }
 
-/// The natural logarithm of x, 0 < x <= 1 and away from 1: ln((1 + s)/(1 - s)) = 2s + s**3*(a polynomial in s**2)
+/// The natural logarithm of x, 0 < x <= 1 and away from 1: ln((1 + s)/(1 - s)) = 2s + s**3*(a polynomial in
+/// s**2)
 template <class V>
 XKL_HOT extended<V> extended_log(V x)
 {

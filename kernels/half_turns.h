@@ -1,8 +1,8 @@
 // Angles as multiples of pi: Tanpi, Asinpi, Acospi, Atanpi, Atan2pi.
 //
-// In high accuracy an inverse function corrects the base library's angle by what its own sine and cosine, known to twice the
-// digits, leave of the argument; the division by pi then rounds once: 0.6 ULP. In low accuracy the angle within 1 ULP
-// is divided: 3 ULP.
+// In high accuracy an inverse function corrects the base library's angle by what its own sine and cosine,
+// known to twice the digits, leave of the argument; the division by pi then rounds once: 0.6 ULP. In low
+// accuracy the angle within 1 ULP is divided: 3 ULP.
 #pragma once
 
 #include "circle.h"

@@ -1,9 +1,9 @@
 // Inverse error functions: ErfInv, ErfcInv, CdfNormInv.
 //
-// All are erfinv(y). Around 0 that is y times a rational function of y*y. Towards the ends, where 1 - y = q has few digits left
-// in y, it is w = sqrt(-ln(q)) less a little: a rational function of w, one for each of three ranges, the two outer
-// ones rare enough for a branch. Leading terms have more digits than a double, so high and low accuracy are within
-// 1 ULP alike.
+// All are erfinv(y). Around 0 that is y times a rational function of y*y. Towards the ends, where 1 - y = q
+// has few digits left in y, it is w = sqrt(-ln(q)) less a little: a rational function of w, one for each of
+// three ranges, the two outer ones rare enough for a branch. Leading terms have more digits than a double, so
+// high and low accuracy are within 1 ULP alike.
 #pragma once
 
 #include "elements.h"

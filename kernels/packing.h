@@ -1,5 +1,5 @@
-// Elements between vectors with gaps and vectors without: PackI, PackV, PackM, UnpackI, UnpackV, UnpackM. They only copy, so
-// there is neither mode nor status.
+// Elements between vectors with gaps and vectors without: PackI, PackV, PackM, UnpackI, UnpackV, UnpackM.
+// They only copy, so there is neither mode nor status.
 #pragma once
 
 #include "packs.h"

@@ -1,7 +1,7 @@
 // Roots and their powers: InvSqrt, InvCbrt, Pow2o3, Pow3o2.
 //
-// Doubles in high accuracy keep the remainder of the root, so that only the last step rounds: 0.51 ULP. Floats go through
-// doubles. Numbers at the ends of the range are scaled, where remainders would be denormal.
+// Doubles in high accuracy keep the remainder of the root, so that only the last step rounds: 0.51 ULP.
+// Floats go through doubles. Numbers at the ends of the range are scaled, where remainders would be denormal.
 #pragma once
 
 #include "base_library.h"

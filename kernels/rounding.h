@@ -1,5 +1,5 @@
-// Integers next to a number and what is left of it: Floor, Ceil, Trunc, Round, NearbyInt, Rint, Frac, Modf, Logb. All are
-// exact, so the accuracy modes are one.
+// Integers next to a number and what is left of it: Floor, Ceil, Trunc, Round, NearbyInt, Rint, Frac, Modf,
+// Logb. All are exact, so the accuracy modes are one.
 #pragma once
 
 #include "elements.h"

@@ -1,8 +1,8 @@
 // The scaled complementary error function and what it makes easy: Erfcx, CdfNorm.
 //
-// (1 + 2x)*erfcx(x) is nearly constant for x >= 0 and a polynomial in (x - 4)/(x + 4). Times exp(-x*x), with the digits that
-// the square has more than a double, it gives the normal distribution's tail without the error that grows with x*x.
-// Within 0.7 ULP in high and 2 ULP in low accuracy.
+// (1 + 2x)*erfcx(x) is nearly constant for x >= 0 and a polynomial in (x - 4)/(x + 4). Times exp(-x*x), with
+// the digits that the square has more than a double, it gives the normal distribution's tail without the
+// error that grows with x*x. Within 0.7 ULP in high and 2 ULP in low accuracy.
 #pragma once
 
 #include "base_library.h"

@@ -1,5 +1,6 @@
 // tablegen: reads routine tables and prints one file. Errors are `file:line: message`, exit code 1.
 #include "names.h"
+#include "print_lapacke.h"
 #include "printers.h"
 #include "vml_printers.h"
 
@@ -16,18 +17,20 @@ using namespace tablegen;
 namespace {
 
 const char usage[] =
-    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--vml FILE]
-                        [--settings FILE] [--option TEXT]
+    R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--lapacke FILE...]
+                        [--vml FILE] [--settings FILE] [--option TEXT]
 commands:
   frames         bodies and checkers under every spelling   (--option: header of the family's checks)
   frame-header   bodies and checkers, declared
   forwarders     service forwarders
   shapes         the C interface's bodies                   (--shapes)
   helpers        LAPACKE's NaN checks and layout copies
+  lapacke, lapacke-64  LAPACKE's bodies, and their twins    (--lapacke)
   companion, companion-exports  complex functions as values, for gfortran
   c-header       public C prototypes                        (--option: name of the header)
   cblas-header   public prototypes of the C interface       (--shapes)
   helper-header  public prototypes of LAPACKE's helpers     (--option: name of the header)
+  lapacke-header public prototypes of LAPACKE               (--lapacke)
   fortran        a Fortran module of explicit interfaces
   core-header    prototypes of the core's entries
   core-forwards  the default core's forwards and stand-ins  (--providers)
@@ -35,8 +38,8 @@ commands:
   core-calls     the core's entries by name and type, for its own code
   core-manifest  who serves each core entry                 (--providers)
   null-core, recording-core   cores for measurements and tests
-  exports, version-script     exported names                (--shapes, --vml, --settings, if any)
-  test-rows, cblas-test-rows  what table-driven tests walk
+  exports, version-script     exported names                (--shapes, --lapacke, --vml, --settings, if any)
+  test-rows, cblas-test-rows, lapacke-test-rows  what table-driven tests walk
   vml-core-header  prototypes of the vector math threaders   (--vml, as the rest of this group)
   vml-threaders    the default core's threaders
   vml-frames       entry points                              (--option: the types they are for)
@@ -53,7 +56,7 @@ commands:
 
 struct request {
     std::string command, output, shapes, vml, settings, option;
-    std::vector<std::string> tables, providers;
+    std::vector<std::string> tables, providers, lapacke;
 };
 
 request parse(int argc, char **argv)
@@ -73,6 +76,8 @@ request parse(int argc, char **argv)
             asked.tables.push_back(word);
         else if (option == "--providers")
             asked.providers.push_back(word);
+        else if (option == "--lapacke")
+            asked.lapacke.push_back(word);
         else if (option == "--shapes")
             asked.shapes = word;
         else if (option == "--vml")
@@ -85,6 +90,16 @@ request parse(int argc, char **argv)
             throw table_error("unknown option `" + option + "`\n" + usage);
     }
     return asked;
+}
+
+/// A LAPACKE routine, by the name of its high-level function.
+void show_lapacke(std::ostream &out, const std::vector<lapacke_routine> &rows, const std::string &name)
+{
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [&](const lapacke_routine &row) { return row.name() == name; });
+    if (found == rows.end())
+        throw table_error("no table has `" + name + "`; write it as LAPACKE_dgetrf");
+    print_lapacke(out, {*found}, false);
 }
 
 void show(std::ostream &out, const routines &rows, const std::string &name)
@@ -109,12 +124,15 @@ void run(const request &asked, std::ostream &out)
         throw table_error("no rows: name at least one table behind --tables, or one behind --vml");
     const auto settings =
         asked.settings.empty() ? std::vector<vml_setting>{} : read_vml_settings(asked.settings);
-    const auto more_names = vml_exported_names(functions, settings);
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
     const bool of_kernels = asked.command.starts_with("vml-kernel");
     const auto kernels =
         of_kernels ? read_vml_kernels(asked.providers.at(0), functions) : std::vector<vml_kernel>{};
     const auto providers = of_kernels ? std::vector<provider>{} : read_providers(asked.providers, rows);
+    const auto lapacke = read_lapacke(asked.lapacke, rows);
+    name_set names = exported(rows, shapes);
+    names.merge(lapacke_names(lapacke));
+    names.merge(vml_exported_names(functions, settings));
     const std::map<std::string, std::function<void()>> commands = {
         {"frames", [&] { print_frames(out, rows, asked.option); }},
         {"frame-header", [&] { print_frame_header(out, rows); }},
@@ -122,6 +140,9 @@ void run(const request &asked, std::ostream &out)
         {"shapes", [&] { print_shapes(out, shapes); }},
         {"helpers", [&] { print_helpers(out, rows); }},
         {"helper-header", [&] { print_helper_header(out, rows, asked.option); }},
+        {"lapacke", [&] { print_lapacke(out, lapacke, false); }},
+        {"lapacke-64", [&] { print_lapacke(out, lapacke, true); }},
+        {"lapacke-header", [&] { print_lapacke_header(out, lapacke); }},
         {"companion", [&] { print_companion(out, rows); }},
         {"companion-exports", [&] { print_companion_exports(out, rows); }},
         {"c-header", [&] { print_c_header(out, rows, asked.option); }},
@@ -134,9 +155,10 @@ void run(const request &asked, std::ostream &out)
         {"core-manifest", [&] { print_core_manifest(out, rows, providers); }},
         {"null-core", [&] { print_null_core(out, rows); }},
         {"recording-core", [&] { print_recording_core(out, rows); }},
-        {"exports", [&] { print_exports(out, rows, shapes, more_names); }},
-        {"version-script", [&] { print_version_script(out, rows, shapes, more_names); }},
+        {"exports", [&] { print_exports(out, names); }},
+        {"version-script", [&] { print_version_script(out, names); }},
         {"test-rows", [&] { print_test_rows(out, rows); }},
+        {"lapacke-test-rows", [&] { print_lapacke_test_rows(out, lapacke); }},
         {"cblas-test-rows", [&] { print_cblas_test_rows(out, shapes); }},
         {"vml-core-header", [&] { print_vml_core_header(out, functions); }},
         {"vml-threaders", [&] { print_vml_threaders(out, functions); }},
@@ -151,7 +173,13 @@ void run(const request &asked, std::ostream &out)
         {"vml-kernels", [&] { print_vml_kernels(out, functions, kernels, asked.option); }},
         {"vml-kernel-rows", [&] { print_vml_kernel_rows(out, functions, kernels); }},
         {"vml-kernel-tables", [&] { print_vml_kernel_tables(out, functions, kernels); }},
-        {"show", [&] { show(out, rows, asked.option); }},
+        {"show",
+         [&] {
+             if (asked.option.starts_with("LAPACKE_"))
+                 show_lapacke(out, lapacke, asked.option);
+             else
+                 show(out, rows, asked.option);
+         }},
         {"formats",
          [&] {
              for (const routine &row : rows)
@@ -162,8 +190,9 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports",      "version-script",    "fortran",    "formats",     "show",         "c-header",
-        "cblas-header", "companion-exports", "vml-header", "vml-fortran", "helper-header"};
+        "exports",    "version-script", "fortran",       "formats",
+        "show",       "c-header",       "cblas-header",  "companion-exports",
+        "vml-header", "vml-fortran",    "helper-header", "lapacke-header"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

@@ -106,11 +106,14 @@ const std::map<std::string, const char *> family_texts = {
 
 } // namespace
 
-void print_prologue(std::ostream &out, const std::string &header, const std::string &text)
+void print_prologue(std::ostream &out, const std::string &header, const std::string &text,
+                    const std::vector<std::string> &includes)
 {
     out << "/* " << header << ": " << text << " */\n#ifndef " << guard_of(header) << "\n#define "
-        << guard_of(header)
-        << "\n\n#include \"xkl_types.h\"\n\n#ifdef __cplusplus\nextern \"C\" {\n#endif\n";
+        << guard_of(header) << "\n\n";
+    for (const std::string &each : includes)
+        out << "#include \"" << each << "\"\n";
+    out << "\n#ifdef __cplusplus\nextern \"C\" {\n#endif\n";
 }
 
 void print_epilogue(std::ostream &out)

@@ -4,15 +4,11 @@
 #include "printers.h"
 
 #include <ostream>
-#include <set>
 
 namespace tablegen {
-namespace {
-
-std::set<std::string> all_names(const routines &rows, const std::vector<shaped> &shapes,
-                                const std::set<std::string> &more)
+name_set exported(const routines &rows, const std::vector<shaped> &shapes)
 {
-    std::set<std::string> names = more;
+    name_set names;
     for (const routine &row : rows)
         for (const std::string &name : exported_names(row))
             names.insert(name);
@@ -21,20 +17,16 @@ std::set<std::string> all_names(const routines &rows, const std::vector<shaped> 
     return names;
 }
 
-} // namespace
-
-void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
-                   const std::set<std::string> &more)
+void print_exports(std::ostream &out, const name_set &names)
 {
-    for (const std::string &name : all_names(rows, shapes, more))
+    for (const std::string &name : names)
         out << name << "\n";
 }
 
-void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
-                          const std::set<std::string> &more)
+void print_version_script(std::ostream &out, const name_set &names)
 {
     out << "{\n  global:\n";
-    for (const std::string &name : all_names(rows, shapes, more))
+    for (const std::string &name : names)
         out << "    " << name << ";\n";
     out << "  local: *;\n};\n";
 }

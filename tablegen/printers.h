@@ -37,16 +37,17 @@ void print_core_manifest(std::ostream &out, const routines &rows, const std::vec
 void print_null_core(std::ostream &out, const routines &rows);
 void print_recording_core(std::ostream &out, const routines &rows);
 
-// Lists; `more` are names that no row gives.
-void print_exports(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
-                   const std::set<std::string> &more);
-void print_version_script(std::ostream &out, const routines &rows, const std::vector<shaped> &shapes,
-                          const std::set<std::string> &more);
+// Lists.
+using name_set = std::set<std::string>;
+name_set exported(const routines &rows, const std::vector<shaped> &shapes);
+void print_exports(std::ostream &out, const name_set &names);
+void print_version_script(std::ostream &out, const name_set &names);
 void print_test_rows(std::ostream &out, const routines &rows);
 void print_cblas_test_rows(std::ostream &out, const std::vector<shaped> &rows);
 
 // Shared by the printers.
-void print_prologue(std::ostream &out, const std::string &header, const std::string &text);
+void print_prologue(std::ostream &out, const std::string &header, const std::string &text,
+                    const std::vector<std::string> &includes = {"xkl_types.h"});
 void print_epilogue(std::ostream &out);
 std::string parameter_list(const routine &row);         // const char *transa, ...
 std::string visible_parameter_list(const routine &row); // with types only for what is behind the list

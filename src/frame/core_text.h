@@ -1,4 +1,5 @@
-// Entries of the core that no forwarder stands for: bounded text, and where the callback chains end.
+// Entries of the core that no forwarder stands for: bounded text, the environment, and where the
+// callback chains end.
 #pragma once
 
 #include "xkl_types.h"
@@ -7,6 +8,7 @@ extern "C" {
 int xkl_serv_snprintf_s(char *buffer, size_t size, size_t most, const char *format, ...);
 size_t xkl_serv_strnlen_s(const char *text, size_t most);
 int xkl_serv_printf_s(const char *format, ...);
+int xkl_serv_getenv(const char *name, char *value, int size);
 
 void xkl_serv_default_xerbla(const char *name, const int64_t *position, int64_t length);
 int32_t xkl_serv_default_progress(const int64_t *thread, const int64_t *step, const char *stage,

@@ -18,6 +18,8 @@ double ticks = 0;
 
 void reset()
 {
+    for (const memory_block &each : recorded.blocks)
+        std::free(each.place);
     recorded.~recording();
     // The live flag's address must not move: frames keep it.
     new (&recorded) recording;
@@ -125,13 +127,46 @@ int xkl_serv_printf_s(const char *format, ...)
 void *xkl_serv_allocate(size_t size, int align)
 {
     recorded.order.push_back("allocate");
-    if (recorded.failing_allocations > 0) {
+    if (recorded.failing_allocations > 0 && recorded.good_allocations-- <= 0) {
         --recorded.failing_allocations;
         return nullptr;
     }
     ++recorded.allocated;
     const auto alignment = static_cast<size_t>(align);
-    return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+    return std::aligned_alloc(alignment, (size / alignment + 1) * alignment);
+}
+
+// Memory that nobody has written to has a value of its own: copies show what was not copied.
+void *xkl_serv_malloc(size_t size, int align)
+{
+    record("xkl_serv_malloc", {static_cast<int64_t>(size), align});
+    if (!recorded.serves_memory)
+        return reinterpret_cast<void *>(recorded.integer_result);
+    auto *block = static_cast<char *>(xkl_serv_allocate(size, align));
+    if (!block)
+        return nullptr;
+    std::memset(block, unwritten, size);
+    recorded.blocks.push_back({block, size, align, true});
+    return block;
+}
+
+void xkl_serv_free(void *block)
+{
+    record("xkl_serv_free", {reinterpret_cast<int64_t>(block)});
+    for (memory_block &each : recorded.blocks)
+        if (each.live && each.place == block) {
+            each.live = false;
+            --recorded.allocated; // kept until the test is over, which may look into it
+        }
+}
+
+int xkl_serv_getenv(const char *name, char *value, int size)
+{
+    const auto found = recorded.environment.find(name);
+    if (found == recorded.environment.end())
+        return 0;
+    std::snprintf(value, static_cast<size_t>(size), "%s", found->second.c_str());
+    return static_cast<int>(found->second.size());
 }
 
 void xkl_serv_deallocate(void *block)

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,13 @@ struct trace_line {
     std::string text;
 };
 
+struct memory_block {
+    char *place;
+    std::size_t size;
+    int alignment;
+    bool live;
+};
+
 /// What one test does and sees. A fresh one is made by `reset`.
 struct recording {
     std::vector<core_call> calls;
@@ -42,9 +50,16 @@ struct recording {
     double real_result = 0;
     bool forward_reports = true;                    // whether xkl_serv_xerbla calls the registered handler
     int failing_allocations = 0;                    // the next so many allocations return null
+    int good_allocations = 0;                       // after so many others
     int64_t allocated = 0;                          // live blocks
+    bool serves_memory = false;                     // whether xkl_serv_malloc hands out memory
+    std::vector<memory_block> blocks;               // what it handed out, freed blocks too
+    std::map<std::string, std::string> environment; // what xkl_serv_getenv finds
     std::function<void(const core_call &)> on_call; // looks at the arguments while they are alive
 };
+
+/// The bytes of memory that was handed out and not written.
+constexpr unsigned char unwritten = 0xa5;
 
 extern recording recorded;
 void reset();

@@ -29,6 +29,16 @@ struct cblas_row {
     const char *kinds; // kinds, as the routine's table has them, ! behind those that are written
 };
 
+struct lapacke_row {
+    const char *name;    // LAPACKE_dgesv
+    const char *routine; // dgesv
+    char element;        // S, D, C, Z, or -
+    const char *result;  // lapack_int, float, double
+    bool has_layout, has_info, has_twin;
+    const char *names, *types;           // of the high-level function, comma separated, without the layout
+    const char *work_names, *work_types; // of the _work function
+};
+
 extern const routine_row blas_rows[];
 extern const int blas_row_count;
 extern const routine_row lapack_rows[];
@@ -41,3 +51,5 @@ extern const routine_row service_rows[];
 extern const int service_row_count;
 extern const cblas_row cblas_rows[];
 extern const int cblas_row_count;
+extern const lapacke_row lapacke_rows[];
+extern const int lapacke_row_count;

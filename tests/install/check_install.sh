@@ -55,7 +55,7 @@ step "a CMake project"
 cmake -S "$users" -B "$scratch/cmake" -DCMAKE_PREFIX_PATH="$prefix" >"$scratch/cmake.log" ||
     fail "find_package(xkl) failed: $(cat "$scratch/cmake.log")"
 cmake --build "$scratch/cmake" >"$scratch/cmake.log" 2>&1 || fail "$(cat "$scratch/cmake.log")"
-for user in c_user cpp_user fortran_user; do "$scratch/cmake/$user"; done
+for user in c_user cpp_user usual_user usual_user_as_cpp fortran_user; do "$scratch/cmake/$user"; done
 
 cd "$scratch"
 export LD_LIBRARY_PATH="$prefix/lib"

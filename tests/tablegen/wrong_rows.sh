@@ -18,7 +18,7 @@ refused() {
     if "$tablegen" "$@" -o "$scratch/out" 2>"$scratch/said"; then
         echo "accepted: $row"
         failed=1
-    elif ! grep -q "wrong.tbl:[34]: " "$scratch/said" || ! grep -qF "$message" "$scratch/said"; then
+    elif ! grep -q "wrong.tbl:[234]: " "$scratch/said" || ! grep -qF "$message" "$scratch/said"; then
         echo "for: $row"
         echo "said: $(cat "$scratch/said")"
         failed=1
@@ -39,6 +39,13 @@ expect_provider() {
     printf '@family blas\n@spellings blas\n?AXPY S,D traced - n:i\n' >"$scratch/right.tbl"
     printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
     refused "$1" "$2" core-own --option axpy --tables "$scratch/right.tbl" --providers "$scratch/wrong.tbl"
+}
+
+# expect_lapacke MESSAGE STATEMENT: a statement about DGEEX, on line 3
+expect_lapacke() {
+    printf '@family lapack\n@spellings lapack\n?GEEX S,D registered - m:i n:i a:T! lda:i x:T work:T! lwork:i info:info\n' >"$scratch/right.tbl"
+    printf '# rows\n?GEEX  S,D\n    %s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" lapacke --tables "$scratch/right.tbl" --lapacke "$scratch/wrong.tbl"
 }
 
 expect 'unknown kind `y`' '?AXPY S,D traced - n:i a:y'
@@ -66,6 +73,20 @@ expect_provider '`other:axpy` is no provider' '?AXPY S other:axpy'
 expect_provider 'lists its types' '?AXPY S openblas:saxpy'
 expect_provider 'no table has the routine `CAXPY`' '?AXPY S,C own:axpy'
 
+expect_lapacke 'has no argument `b`' 'b in ge(m, n)'
+expect_lapacke 'none of in, out, inout, value, space, query' 'a reads ge(m, n)'
+expect_lapacke 'there is no storage scheme `xy`' 'a in xy(m, n)'
+expect_lapacke 'scheme ge has 2 sizes' 'a in ge(m)'
+expect_lapacke 'not followed by its leading dimension' 'x in ge(m, n)'
+expect_lapacke 'none of nan, in, out, bound, refused, ld' 'a in ge(m, n), otherwise'
+expect_lapacke '`)` is missing' 'a in ge(m, max(1, n)'
+expect_lapacke 'there is no function `root`' 'work space root(n)'
+expect_lapacke 'no argument or value `p`' 'a in ge(m, p)'
+expect_lapacke 'it ends too early' 'work space n +'
+expect_lapacke '`let NAME = VALUE`' 'let k m'
+expect_lapacke '`check ARGUMENT if CONDITION`' 'check n'
+expect_lapacke 'no table has the routine `DGEEY`' 'a in ge(m, n)
+?GEEY D'
 # expect_vml MESSAGE ROW, expect_kernel MESSAGE ROW, expect_setting MESSAGE ROW: a function, the provider of a kernel, an
 # operation on mode and status
 expect_vml() {
