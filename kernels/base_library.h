@@ -170,5 +170,14 @@ XKL_GLIBC_1(tanh)
 #undef XKL_GLIBC_D
 #undef XKL_GLIBC_F
 
+/// Arguments so small that the result is the argument rounded; there the base library may be an ULP off,
+/// or lose the sign of denormal ones. The default serves series that go on with a cube. Results are
+/// computed, not copied: denormal arguments become zeros where the mode says so.
+template <class V>
+XKL_HOT V small_as_they_are(V a, V y, element<V> small = sizeof(element<V>) == 8 ? 0x1p-27 : 0x1p-13)
+{
+    return absolute(a) < small ? multiply_add(a, V{}, a) : y;
+}
+
 } // namespace XKL_ISA
 } // namespace xkl::kernels

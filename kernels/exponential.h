@@ -124,7 +124,19 @@ struct log1p_function : logarithm<R, -1> {
                            4) // the base library's floats of 1 ULP end before the largest arguments
             return in_double([](vec<double> x) { return glibc::log1p(x); }, a);
         else
-            return sleef::log1p_u10(a);
+            return small_as_they_are(a, sleef::log1p_u10(a), R(0x1p-54));
+    }
+    /// The base library's doubles of 1 ULP end before the largest arguments, too.
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const
+    {
+        return (a <= -1) | (a > (sizeof(R) == 8 ? R(0x1p1000) : limits<R>::infinity));
+    }
+    status settle(R a, R &y) const
+    {
+        if (!(a > 0))
+            return logarithm<R, -1>::settle(a, y);
+        y = static_cast<R>(__builtin_logl(a));
+        return fine;
     }
 };
 

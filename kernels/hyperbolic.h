@@ -8,13 +8,11 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
-/// Arguments so small that the result is the argument rounded; there the base library may be an ULP off.
-template <class V>
-XKL_HOT V small_as_they_are(V a, V y)
-{
-    constexpr element<V> small = sizeof(element<V>) == 8 ? 0x1p-27 : 0x1p-13;
-    return absolute(a) < small ? a : y;
-}
+/// Beyond it asinh and acosh are ln(2a) to the last digit. The base library's doubles of 1 ULP become
+/// infinite only later, but long before the largest arguments.
+template <class R>
+constexpr R only_a_logarithm = sizeof(R) == 8 ? R(0x1p500) : limits<R>::infinity;
+constexpr long double ln_2 = 0.693147180559945309417232121458L;
 
 template <class R>
 struct sinh_function {
@@ -73,6 +71,13 @@ struct asinh_function {
         else
             return small_as_they_are(a, sleef::asinh_u10(a));
     }
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > only_a_logarithm<R>; }
+    status settle(R a, R &y) const
+    {
+        const long double size = __builtin_logl(__builtin_fabsl(a)) + ln_2;
+        y = static_cast<R>(a < 0 ? -size : size);
+        return fine;
+    }
 };
 
 template <class R>
@@ -87,9 +92,13 @@ struct acosh_function {
         else
             return sleef::acosh_u10(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return a < 1; }
-    status settle(R, R &y) const
+    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return (a < 1) | (a > only_a_logarithm<R>); }
+    status settle(R a, R &y) const
     {
+        if (a > 1) {
+            y = static_cast<R>(__builtin_logl(a) + ln_2);
+            return fine;
+        }
         y = limits<R>::nan;
         return domain_error;
     }

@@ -69,7 +69,7 @@ struct tan_function : of_angle<R> {
     XKL_HOT vec<R> value(vec<R> a) const
     {
         if constexpr (A == accuracy::high)
-            return sleef::tan_u10(a);
+            return small_as_they_are(a, sleef::tan_u10(a));
         else
             return low_accuracy(
                 a, R(1e5), [](auto x) { return glibc::tan(x); }, [](auto x) { return sleef::tan_u35(x); });
