@@ -9,11 +9,10 @@
 
 /* A mode is the sum of one value of each group; a group that is left out stands at its default. */
 
-/* Accuracy, in units in the last place (ULP) of a result. */
+/* Accuracy, in units in the last place (ULP) of a result; for complex results, of the larger part, and then
+   high accuracy is 4 ULP. docs/vector-math.md has the bound of every function. */
 #define VML_LA 0x00000001u /* low: 4 ULP */
-#define VML_HA                                                                                             \
-    0x00000002u            /* high: 1 ULP in nearly all real functions, 4 ULP of the larger part in complex
-                                  ones (the table is in docs/vector-math.md); the default */
+#define VML_HA 0x00000002u /* high: 1 ULP in nearly all real functions; the default */
 #define VML_EP 0x00000003u /* enhanced performance: half of the digits, or more */
 #define VML_ACCURACY_MASK 0x0000000fu
 
