@@ -2,6 +2,8 @@
 // that reaches it. Tests link against it and look at what arrived.
 #pragma once
 
+#include "xkl_types.h"
+
 #include <bit>
 #include <cstdint>
 #include <functional>
@@ -72,6 +74,9 @@ inline int64_t recorded_bits(double value)
     return std::bit_cast<int64_t>(value);
 }
 int64_t recorded_integer();
+/// Who was registered for reports since the last `reset`; null if nobody was. Frames write it in place, without
+/// a step "register", if XKL_RECORD_IN_PLACE is set.
+xkl_xerbla_handler registered_handler();
 double recorded_real();
 
 /// Its parts differ, so that one that is lost or in the wrong place shows.
