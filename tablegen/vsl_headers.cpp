@@ -32,8 +32,8 @@ const char header_text[] =
  *
  * A task holds the sizes and the manner of a convolution or correlation, for any number of executions. The
  * routines of tasks narrow their integers to 32 bits without looking at them; the task is validated by the
- * library beneath, whose status they return, and nothing is reported to xerbla. Behind each C routine stand its
- * Fortran spellings, which take every argument by address, the task too. */
+ * library beneath, whose status they return, and nothing is reported to xerbla. Behind each C routine stand
+ * its Fortran spellings, which take every argument by address, the task too. */
 #ifndef XKL_VSL_H
 #define XKL_VSL_H
 

@@ -15,12 +15,10 @@ namespace xkl::vsl {
     return status;
 }
 
-[[gnu::cold]] void *fetch(fetched<void> &kernel, const char *name)
+[[gnu::cold]] void fetch(fetched<void> &kernel, const char *name)
 {
     xkl_vml_serv_load_vml_dll();
-    void *const code = xkl_vml_serv_load_vml_func(name);
-    kernel.store(code, std::memory_order_relaxed);
-    return code;
+    kernel.store(xkl_vml_serv_load_vml_func(name), std::memory_order_relaxed);
 }
 
 } // namespace xkl::vsl

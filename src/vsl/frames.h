@@ -20,16 +20,14 @@ using vml::fetched;
 int32_t refuse(const char *name, int32_t place, int32_t status);
 
 /// Fetches a kernel by name, opening the kernel library if nobody has.
-void *fetch(fetched<void> &kernel, const char *name);
+void fetch(fetched<void> &kernel, const char *name);
 
-/// The row's kernel, which takes the given arguments.
-template <class Row, class... Handed>
-[[gnu::always_inline]] inline auto kernel_of()
+/// Fetches the row's kernel, unless that has happened; ahead of clocks, which shall not see it.
+template <class Row>
+[[gnu::always_inline]] inline void make_ready()
 {
-    void *code = Row::kernel.load(std::memory_order_relaxed);
-    if (!code) [[unlikely]]
-        code = fetch(Row::kernel, Row::kernel_name);
-    return reinterpret_cast<int32_t (*)(Handed...)>(code);
+    if (!Row::kernel.load(std::memory_order_relaxed)) [[unlikely]]
+        fetch(Row::kernel, Row::kernel_name);
 }
 
 /// Calls the row's kernel with the arguments in the tuples, one behind the other.
@@ -37,7 +35,10 @@ template <class Row, class... Tuples>
 [[gnu::always_inline]] inline int32_t call_kernel(Tuples... parts)
 {
     return std::apply(
-        []<class... Handed>(Handed... handed) { return kernel_of<Row, Handed...>()(handed...); },
+        []<class... Handed>(Handed... handed) {
+            using kernel = int32_t(Handed...);
+            return reinterpret_cast<kernel *>(Row::kernel.load(std::memory_order_relaxed))(handed...);
+        },
         std::tuple_cat(parts...));
 }
 
@@ -92,6 +93,7 @@ template <class Row, class... V>
 {
     const trace_line line = trace_line::of<Row>(Row::parameters::printed(values...));
     const auto handed = Row::parameters::handed(values...);
+    make_ready<Row>();
     const double start = xkl_serv_dsecnd();
     const int32_t result = call_kernel<Row>(handed);
     line.print(xkl_serv_dsecnd() - start);
@@ -105,9 +107,10 @@ template <class Row, class... V>
     if (const refusal found = Row::parameters::first_refused(values...); found.status != VSL_STATUS_OK)
         return refuse(Row::name, found.place, found.status);
     if constexpr (Row::creates)
-        xkl_serv_get_dynamic(); // settles the threads before a generator's state is laid out
+        xkl_serv_get_dynamic(); // has the core set up its threads ahead of the first stream; no answer needed
     if (is_traced<Row>()) [[unlikely]]
         return traced_stream_routine<Row>(values...);
+    make_ready<Row>();
     return call_kernel<Row>(Row::parameters::handed(values...));
 }
 
@@ -190,9 +193,7 @@ template <class Row, class T, class... P>
         return refuse(Row::name, method_place, VSL_ERROR_BADARGS);
     if (const refusal found = Row::parameters::first_refused(parameters...); found.status != VSL_STATUS_OK)
         return refuse(Row::name, result_place + found.place, found.status);
-    // Asked for here too, so that a missing kernel ends the process before the flag is read.
-    if (!Row::kernel.load(std::memory_order_relaxed)) [[unlikely]]
-        fetch(Row::kernel, Row::kernel_name);
+    make_ready<Row>();
     if (is_traced<Row>()) [[unlikely]]
         return traced_generate<Row>(method, stream, n, r, parameters...);
     const auto once = [&](int32_t count, T *block, const auto &...here) {
