@@ -25,7 +25,7 @@ const char header_text[] =
  * All routines return a status: VSL_STATUS_OK, or one of the negative values of xkl_vsl_types.h, which also
  * has the generators and methods. A bad argument is reported to xerbla, too, with the routine's name and the
  * argument's place in the list, from 1, and nothing is then written. Integers are 64-bit; all but n of the
- * generators and nskip must fit in 32 bits. n = 0 does nothing.
+ * generators, seed and nskip must fit in 32 bits. n = 0 does nothing.
  *
  * The first call that gets past its checks opens the kernel library. Where that or one of its kernels is
  * missing, a message says so and the process ends with code 2.
