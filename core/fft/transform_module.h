@@ -43,7 +43,7 @@ struct problem {
     int32_t in_place;
     int32_t may_destroy_input;
     int32_t keep_workspace; // for the next call, where one is needed
-    int32_t threads; // at most so many, from 1
+    int32_t threads;        // at most so many, from 1
     int32_t rank;
     int32_t batch_rank;                 // 0 or 1, for real_to_real any
     dimension sides[most_dimensions];   // the first one fastest; real lengths

@@ -14,9 +14,11 @@ namespace {
 // of that length does not fit into the machine either.
 bool tables_fit(const problem &wanted)
 {
-    const double machine = static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
-    const auto longest = std::max_element(wanted.sides, wanted.sides + wanted.rank,
-                                          [](const dimension &a, const dimension &b) { return a.length < b.length; });
+    const double machine =
+        static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
+    const auto longest =
+        std::max_element(wanted.sides, wanted.sides + wanted.rank,
+                         [](const dimension &a, const dimension &b) { return a.length < b.length; });
     return static_cast<double>(longest->length) * (wanted.single ? 8 : 16) < machine;
 }
 
@@ -26,7 +28,9 @@ try {
     if (!tables_fit(*wanted))
         return status_no_memory;
     int32_t status = status_fault;
-    *made = (wanted->single ? make_transform<float>(*wanted, status) : make_transform<double>(*wanted, status)).release();
+    *made =
+        (wanted->single ? make_transform<float>(*wanted, status) : make_transform<double>(*wanted, status))
+            .release();
     return status;
 } catch (const std::bad_alloc &) {
     return status_no_memory;
@@ -56,7 +60,7 @@ xkl_core_fft_module(const xkl::fft::core_services *services, int32_t version)
     if (version != xkl::fft::module_version)
         return nullptr;
     std::call_once(started, [services] {
-        xkl::fft::core = services;
+        xkl::fft::host = services;
         xkl::fft::start_library();
     });
     return &xkl::fft::functions;

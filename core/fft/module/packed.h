@@ -114,7 +114,8 @@ class packed_spectrum {
         }
     }
 
-    static void read_line(const packed_places &places, const T *packed, int64_t stride, T *half, int64_t step)
+    static void read_line(const packed_places &places, const T *packed, int64_t stride, T *half,
+                          int64_t step)
     {
         for (int64_t k = 0; k < places.half(); ++k) {
             half[2 * k * step] = packed[places.real(k) * stride];

@@ -12,7 +12,7 @@
 
 namespace xkl::fft {
 
-const core_services *core = nullptr;
+const core_services *host = nullptr;
 
 namespace {
 
@@ -59,7 +59,7 @@ void parallel_loop(void *(*work)(char *), char *jobs, size_t size, int count, vo
         char *jobs;
         size_t size;
     } all{work, jobs, size};
-    core->run_loop(
+    host->run_loop(
         count,
         [](const void *context, int64_t index) {
             const auto &those = *static_cast<const decltype(all) *>(context);
@@ -101,8 +101,8 @@ class planning_arrays {
     }
     ~planning_arrays()
     {
-        core->release(in_block_);
-        core->release(out_block_);
+        host->release(in_block_);
+        host->release(out_block_);
     }
     planning_arrays(const planning_arrays &) = delete;
     planning_arrays &operator=(const planning_arrays &) = delete;
@@ -130,14 +130,16 @@ class planning_arrays {
         std::for_each_n(wanted.sides, wanted.rank, add);
         std::for_each_n(wanted.batches, wanted.batch_rank, add);
         // Complex elements, whatever the side holds: twice the room that a real side needs.
-        const auto bytes = [&](const reach &side) { return static_cast<size_t>(side.size() + 8) * 2 * element; };
+        const auto bytes = [&](const reach &side) {
+            return static_cast<size_t>(side.size() + 8) * 2 * element;
+        };
         const size_t common = std::max(bytes(in), bytes(out));
         const int64_t low = std::min(in.low, out.low);
         const auto first = [&](void *block, int64_t lowest) {
             return static_cast<char *>(block) + ((-lowest + 7) / 8 * 8) * 2 * static_cast<int64_t>(element);
         };
-        in_block_ = core->allocate(wanted.in_place ? common : bytes(in), 64);
-        out_block_ = core->allocate(wanted.in_place ? 64 : bytes(out), 64);
+        in_block_ = host->allocate(wanted.in_place ? common : bytes(in), 64);
+        out_block_ = host->allocate(wanted.in_place ? 64 : bytes(out), 64);
         if (!real())
             return;
         std::memset(in_block_, 0, wanted.in_place ? common : bytes(in));
@@ -161,7 +163,8 @@ void *make_plan(const plan_request &wanted, bool measure)
         return {each.length, each.in_stride, each.out_stride};
     };
     // FFTW halves the last dimension, which is our first.
-    std::transform(wanted.sides, wanted.sides + wanted.rank, std::reverse_iterator(sides + wanted.rank), turned);
+    std::transform(wanted.sides, wanted.sides + wanted.rank, std::reverse_iterator(sides + wanted.rank),
+                   turned);
     std::transform(wanted.batches, wanted.batches + wanted.batch_rank, batches, turned);
 
     const planning_arrays arrays(wanted, sizeof(T), measure);
@@ -173,9 +176,9 @@ void *make_plan(const plan_request &wanted, bool measure)
     switch (wanted.what) {
     case operation::complex_forward:
     case operation::complex_backward:
-        return lib::plan_complex(rank, sides, batch_rank, batches, arrays.template in<complex>(),
-                                 arrays.template out<complex>(),
-                                 wanted.what == operation::complex_forward ? FFTW_FORWARD : FFTW_BACKWARD, flags);
+        return lib::plan_complex(
+            rank, sides, batch_rank, batches, arrays.template in<complex>(), arrays.template out<complex>(),
+            wanted.what == operation::complex_forward ? FFTW_FORWARD : FFTW_BACKWARD, flags);
     case operation::real_forward:
         return lib::plan_forward(rank, sides, batch_rank, batches, arrays.template in<T>(),
                                  arrays.template out<complex>(), flags);
@@ -188,8 +191,8 @@ void *make_plan(const plan_request &wanted, bool measure)
     fftw_r2r_kind kinds[most_dimensions];
     std::transform(wanted.kinds, wanted.kinds + rank, std::reverse_iterator(kinds + rank),
                    [](int32_t kind) { return static_cast<fftw_r2r_kind>(kind); });
-    return lib::plan_real(rank, sides, batch_rank, batches, arrays.template in<T>(), arrays.template out<T>(), kinds,
-                          flags);
+    return lib::plan_real(rank, sides, batch_rank, batches, arrays.template in<T>(),
+                          arrays.template out<T>(), kinds, flags);
 }
 
 void destroy(const plan_request &made, void *plan)
@@ -205,7 +208,8 @@ void drop_longest_idle(planner &all)
 {
     auto oldest = all.plans.end();
     for (auto each = all.plans.begin(); each != all.plans.end(); ++each)
-        if (each->second.users == 0 && (oldest == all.plans.end() || each->second.last_use < oldest->second.last_use))
+        if (each->second.users == 0 &&
+            (oldest == all.plans.end() || each->second.last_use < oldest->second.last_use))
             oldest = each;
     destroy(oldest->first, oldest->second.plan);
     all.plans.erase(oldest);
@@ -221,7 +225,8 @@ const shared_plan *take_plan(const plan_request &wanted)
     const auto [found, is_new] = all.plans.try_emplace(wanted, shared_plan{});
     shared_plan &plan = found->second;
     if (is_new) {
-        plan.plan = wanted.single ? make_plan<float>(wanted, all.measure) : make_plan<double>(wanted, all.measure);
+        plan.plan =
+            wanted.single ? make_plan<float>(wanted, all.measure) : make_plan<double>(wanted, all.measure);
         if (!plan.plan) {
             all.plans.erase(found);
             return nullptr;
@@ -252,7 +257,8 @@ uintptr_t alignment_mask() noexcept
 {
     static const uintptr_t mask = [] {
         uintptr_t bytes = 128;
-        while (bytes > sizeof(float) && library<double>::alignment_of(reinterpret_cast<double *>(bytes / 2)) == 0 &&
+        while (bytes > sizeof(float) &&
+               library<double>::alignment_of(reinterpret_cast<double *>(bytes / 2)) == 0 &&
                library<float>::alignment_of(reinterpret_cast<float *>(bytes / 2)) == 0)
             bytes /= 2;
         return bytes - 1;
@@ -276,7 +282,7 @@ void start_library()
 {
     start_precision<double>();
     start_precision<float>();
-    const char *how = core->environment("XKL_DFT_PLAN");
+    const char *how = host->environment("XKL_DFT_PLAN");
     the_planner().measure = how && std::string_view(how) == "measure";
 }
 

@@ -13,7 +13,7 @@
 namespace xkl::fft {
 
 // The services of the core. Written once, when the core opens the module, before anything else runs.
-extern const core_services *core;
+extern const core_services *host;
 
 // All that a plan depends on; compared byte by byte, so that unused fields stay zero.
 struct plan_request {
@@ -77,8 +77,9 @@ class plan_pair {
 
     uintptr_t mask_ = 0;
     const shared_plan *aligned_ = nullptr;
-    mutable std::atomic<const shared_plan *> unaligned_{nullptr}; // written by the first thread that needs it
-    std::unique_ptr<plan_request> request_;                       // for unaligned arrays
+    mutable std::atomic<const shared_plan *> unaligned_{
+        nullptr};                           // written by the first thread that needs it
+    std::unique_ptr<plan_request> request_; // for unaligned arrays
 };
 
 } // namespace xkl::fft

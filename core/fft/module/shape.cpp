@@ -24,8 +24,8 @@ bool ccs_is_complex(const problem &given)
     const bool forward = given.what == operation::real_forward;
     const auto stride = [&](const dimension &each) { return forward ? each.out_stride : each.in_stride; };
     const int64_t offset = forward ? given.out_offset : given.in_offset;
-    return given.storage == layout::ccs && given.rank == 1 && stride(given.sides[0]) == 1 && offset % 2 == 0 &&
-           (given.batch_rank == 0 || stride(given.batches[0]) % 2 == 0);
+    return given.storage == layout::ccs && given.rank == 1 && stride(given.sides[0]) == 1 &&
+           offset % 2 == 0 && (given.batch_rank == 0 || stride(given.batches[0]) % 2 == 0);
 }
 
 bool lies_between_others(const shaped_problem &problem)
@@ -35,6 +35,14 @@ bool lies_between_others(const shaped_problem &problem)
     return std::any_of(problem.sides, problem.sides + problem.rank, [&](const dimension &each) {
         return std::abs(problem.batches[0].out_stride) < std::abs(each.out_stride) && each.length > 1;
     });
+}
+
+// The output of one transform of a batch may lie on the input of the next.
+bool batch_runs_into_itself(const shaped_problem &problem)
+{
+    return problem.in_place && problem.count() > 1 &&
+           problem.batches[0].in_stride * problem.in_unit() !=
+               problem.batches[0].out_stride * problem.out_unit();
 }
 
 int64_t divisor_near(int64_t count, int64_t most)
@@ -113,11 +121,14 @@ cut first_cut(const shaped_problem &problem)
 {
     cut chosen;
     const bool forward = problem.what == operation::real_forward;
-    const bool same_start = problem.in_offset * problem.in_unit() == problem.out_offset * problem.out_unit();
+    const bool same_start =
+        problem.in_offset * problem.in_unit() == problem.out_offset * problem.out_unit();
+    const bool collides = problem.in_place && (!same_start || batch_runs_into_itself(problem));
     if (problem.storage == layout::split)
         chosen.through_in = chosen.through_out = true;
-    else if (problem.packed() || (problem.in_place && !same_start))
-        (forward || problem.what == operation::real_to_real ? chosen.through_out : chosen.through_in) = true;
+    else if (problem.packed() || collides)
+        (forward || problem.what == operation::real_to_real ? chosen.through_out : chosen.through_in) =
+            true;
     else if (problem.what == operation::real_backward && problem.rank > 1 && !problem.in_place)
         chosen.through_in = !problem.may_destroy_input; // FFTW overwrites it there
     return chosen;
@@ -136,8 +147,11 @@ void cut_batch(const shaped_problem &problem, cut &chosen)
     const bool beside = chosen.through_in || chosen.through_out || problem.scale != 1;
     const bool share = problem.threads > 1 && work_each * static_cast<double>(count) >= work_to_share;
     chosen.chunk = count;
+    if (batch_runs_into_itself(problem))
+        return; // all of the input is read before any output is written
     if (beside && count > 1) {
-        const auto bytes = static_cast<double>(problem.points() * 2 * problem.work_parts() * (problem.single ? 4 : 8));
+        const auto bytes =
+            static_cast<double>(problem.points() * 2 * problem.work_parts() * (problem.single ? 4 : 8));
         const auto fitting = static_cast<int64_t>(bytes_in_cache / bytes);
         const int64_t least = lies_between_others(problem) ? least_interleaved : 1;
         chosen.chunk = std::min(std::max(fitting, least), count);

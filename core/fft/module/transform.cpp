@@ -82,8 +82,8 @@ class whole_transform final : public transform {
 };
 
 // The axes of a move between a user's side and the workspace.
-axes side_axes(const shaped_problem &shaped, int64_t transforms, bool input, bool half, int64_t unit, int64_t parts,
-               bool user_to_user)
+axes side_axes(const shaped_problem &shaped, int64_t transforms, bool input, bool half, int64_t unit,
+               int64_t parts, bool user_to_user)
 {
     axes all;
     if (unit > 1)
@@ -119,9 +119,11 @@ class chunk {
         work_reals_ = work_each_ * transforms;
         for (int i = 0; i < shaped.batch_rank && shaped.what == operation::real_to_real; ++i)
             work_reals_ *= shaped.batches[i].length;
-        const bool half_in = shaped.what == operation::real_backward, half_out = shaped.what == operation::real_forward;
+        const bool half_in = shaped.what == operation::real_backward,
+                   half_out = shaped.what == operation::real_forward;
         load_ = side_axes(shaped, transforms, true, half_in, shaped.in_unit(), shaped.work_parts(), false);
-        store_ = side_axes(shaped, transforms, false, half_out, shaped.out_unit(), shaped.work_parts(), !through_out_);
+        store_ = side_axes(shaped, transforms, false, half_out, shaped.out_unit(), shaped.work_parts(),
+                           !through_out_);
         return plans_.plan(request_for(shaped, chosen, transforms));
     }
 
@@ -190,9 +192,9 @@ class workspace {
         : kept_(kept), keep_(keep), block_(kept.exchange(nullptr))
     {
         if (!block_ && reals > 0)
-            block_ = core->allocate(static_cast<size_t>(reals) * sizeof(T), 64);
+            block_ = host->allocate(static_cast<size_t>(reals) * sizeof(T), 64);
     }
-    ~workspace() { core->release(keep_ ? kept_.exchange(block_) : block_); }
+    ~workspace() { host->release(keep_ ? kept_.exchange(block_) : block_); }
     workspace(const workspace &) = delete;
     workspace &operator=(const workspace &) = delete;
 
@@ -209,12 +211,13 @@ template <class T>
 class chunked_transform final : public transform {
   public:
     chunked_transform(const shaped_problem &shaped, const cut &chosen) : shaped_(shaped), chosen_(chosen) {}
-    ~chunked_transform() override { core->release(kept_.load(std::memory_order_relaxed)); }
+    ~chunked_transform() override { host->release(kept_.load(std::memory_order_relaxed)); }
 
     bool plan()
     {
         const int64_t rest = shaped_.count() % chosen_.chunk;
-        return full_.plan(shaped_, chosen_, chosen_.chunk) && (rest == 0 || rest_.plan(shaped_, chosen_, rest));
+        return full_.plan(shaped_, chosen_, chosen_.chunk) &&
+               (rest == 0 || rest_.plan(shaped_, chosen_, rest));
     }
 
     int32_t run(void *x, void *second, void *third, void *fourth) const override
@@ -226,7 +229,7 @@ class chunked_transform final : public transform {
         if (!chosen_.share_chunks)
             return run_some(all, 0, chunks);
         const shared_run shared{*this, all};
-        core->run_loop(chunks, shared_run::run_one, &shared);
+        host->run_loop(chunks, shared_run::run_one, &shared);
         return shared.status.load(std::memory_order_relaxed);
     }
 
@@ -297,7 +300,8 @@ std::unique_ptr<transform> make_cut(const shaped_problem &shaped, const cut &cho
     const bool beside = chosen.through_in || chosen.through_out || shaped.scale != 1;
     if (!beside && chosen.chunk == shaped.count()) {
         auto plans = std::make_unique<plan_pair>();
-        return plans->plan(request_for(shaped, chosen, shaped.count())) ? whole<T>(shaped, std::move(plans)) : nullptr;
+        return plans->plan(request_for(shaped, chosen, shaped.count())) ? whole<T>(shaped, std::move(plans))
+                                                                        : nullptr;
     }
     auto made = std::make_unique<chunked_transform<T>>(shaped, chosen);
     return made->plan() ? std::move(made) : nullptr;
