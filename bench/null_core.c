@@ -14,6 +14,11 @@ int xkl_serv_snprintf_s(char *buffer, size_t size, size_t most, const char *form
     (void)buffer, (void)size, (void)most, (void)format;
     return 0;
 }
+int xkl_serv_sprintf_s(char *buffer, size_t size, const char *format, ...)
+{
+    (void)buffer, (void)size, (void)format;
+    return 0;
+}
 size_t xkl_serv_strnlen_s(const char *text, size_t most)
 {
     (void)text;

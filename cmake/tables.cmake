@@ -26,8 +26,13 @@ set(XKL_VML_TABLE ${PROJECT_SOURCE_DIR}/src/vml/vml.tbl)
 set(XKL_VML_SETTINGS ${PROJECT_SOURCE_DIR}/src/vml/settings.tbl)
 set(XKL_VML_LOADER ${PROJECT_SOURCE_DIR}/src/vml/loader.tbl)
 
+set(XKL_VSL_TABLE_NAMES generators streams tasks)
+list(TRANSFORM XKL_VSL_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/vsl/ OUTPUT_VARIABLE XKL_VSL_TABLES)
+list(TRANSFORM XKL_VSL_TABLES APPEND .tbl)
+set(XKL_CONV_TABLES ${PROJECT_SOURCE_DIR}/src/vsl/entries.tbl) # of the core
+
 # For ./dev, which reads no CMake.
-foreach(family BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY)
+foreach(family BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY VSL)
   string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
   file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
 endforeach()
@@ -36,9 +41,9 @@ set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sourc
 set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
 
-# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s] [OPTION text])
+# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s] [VSL t...] [OPTION text])
 function(xkl_generate output command)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;OPTION" "TABLES;PROVIDERS;LAPACKE")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;OPTION" "TABLES;PROVIDERS;LAPACKE;VSL")
   set(words ${command} -o ${output})
   if(arg_TABLES)
     list(APPEND words --tables ${arg_TABLES})
@@ -58,13 +63,16 @@ function(xkl_generate output command)
   if(arg_LAPACKE)
     list(APPEND words --lapacke ${arg_LAPACKE})
   endif()
+  if(arg_VSL)
+    list(APPEND words --vsl ${arg_VSL})
+  endif()
   if(arg_OPTION)
     list(APPEND words --option ${arg_OPTION})
   endif()
   add_custom_command(
     OUTPUT ${output}
     COMMAND tablegen ${words}
-    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE} ${arg_VML} ${arg_SETTINGS}
+    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE} ${arg_VML} ${arg_SETTINGS} ${arg_VSL}
     COMMENT "tablegen ${command}"
     VERBATIM)
 endfunction()

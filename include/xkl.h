@@ -11,5 +11,6 @@
 #include "xkl_service.h"
 #include "xkl_types.h"
 #include "xkl_vml.h"
+#include "xkl_vsl.h"
 
 #endif

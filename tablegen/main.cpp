@@ -3,6 +3,7 @@
 #include "print_lapacke.h"
 #include "printers.h"
 #include "vml_printers.h"
+#include "vsl_printers.h"
 
 #include <algorithm>
 #include <fstream>
@@ -18,7 +19,7 @@ namespace {
 
 const char usage[] =
     R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--lapacke FILE...]
-                        [--vml FILE] [--settings FILE] [--option TEXT]
+                        [--vml FILE] [--settings FILE] [--vsl FILE...] [--option TEXT]
 commands:
   frames         bodies and checkers under every spelling   (--option: header of the family's checks)
   frame-header   bodies and checkers, declared
@@ -38,7 +39,7 @@ commands:
   core-calls     the core's entries by name and type, for its own code
   core-manifest  who serves each core entry                 (--providers)
   null-core, recording-core   cores for measurements and tests
-  exports, version-script     exported names                (--shapes, --lapacke, --vml, --settings, if any)
+  exports, version-script     exported names                (--shapes, --lapacke, --vml, --settings, --vsl, if any)
   test-rows, cblas-test-rows, lapacke-test-rows  what table-driven tests walk
   vml-core-header  prototypes of the vector math threaders   (--vml, as the rest of this group)
   vml-threaders    the default core's threaders
@@ -50,13 +51,18 @@ commands:
   vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
   vml-kernel-tables  the tables of the kernel library         (--providers)
   vml-kernel-rows  what tests of the kernels walk            (--providers)
+  vsl-frames       generators and stream routines            (--vsl, as the rest of this group)
+  vsl-tasks        convolution and correlation
+  vsl-header       public C prototypes
+  vsl-fortran      a Fortran module                          (--option: the header of its constants)
+  vsl-test-rows, vsl-recording-kernels  for tests
   show           one routine as it is printed               (--option: its name, in upper case)
   formats        the trace format of every routine
 )";
 
 struct request {
     std::string command, output, shapes, vml, settings, option;
-    std::vector<std::string> tables, providers, lapacke;
+    std::vector<std::string> tables, providers, lapacke, vsl;
 };
 
 request parse(int argc, char **argv)
@@ -78,6 +84,8 @@ request parse(int argc, char **argv)
             asked.providers.push_back(word);
         else if (option == "--lapacke")
             asked.lapacke.push_back(word);
+        else if (option == "--vsl")
+            asked.vsl.push_back(word);
         else if (option == "--shapes")
             asked.shapes = word;
         else if (option == "--vml")
@@ -120,8 +128,9 @@ void run(const request &asked, std::ostream &out)
 {
     const routines rows = read_tables(asked.tables);
     const auto functions = asked.vml.empty() ? vml_functions{} : read_vml_table(asked.vml);
-    if (rows.empty() && functions.empty())
-        throw table_error("no rows: name at least one table behind --tables, or one behind --vml");
+    const auto random = read_vsl_tables(asked.vsl);
+    if (rows.empty() && functions.empty() && random.empty())
+        throw table_error("no rows: name at least one table behind --tables, --vml or --vsl");
     const auto settings =
         asked.settings.empty() ? std::vector<vml_setting>{} : read_vml_settings(asked.settings);
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
@@ -133,6 +142,7 @@ void run(const request &asked, std::ostream &out)
     name_set names = exported(rows, shapes);
     names.merge(lapacke_names(lapacke));
     names.merge(vml_exported_names(functions, settings));
+    names.merge(vsl_exported_names(random));
     const std::map<std::string, std::function<void()>> commands = {
         {"frames", [&] { print_frames(out, rows, asked.option); }},
         {"frame-header", [&] { print_frame_header(out, rows); }},
@@ -173,6 +183,12 @@ void run(const request &asked, std::ostream &out)
         {"vml-kernels", [&] { print_vml_kernels(out, functions, kernels, asked.option); }},
         {"vml-kernel-rows", [&] { print_vml_kernel_rows(out, functions, kernels); }},
         {"vml-kernel-tables", [&] { print_vml_kernel_tables(out, functions, kernels); }},
+        {"vsl-frames", [&] { print_vsl_frames(out, random); }},
+        {"vsl-tasks", [&] { print_vsl_tasks(out, random); }},
+        {"vsl-header", [&] { print_vsl_header(out, random); }},
+        {"vsl-fortran", [&] { print_vsl_fortran(out, random, asked.option); }},
+        {"vsl-test-rows", [&] { print_vsl_test_rows(out, random); }},
+        {"vsl-recording-kernels", [&] { print_vsl_recording_kernels(out, random); }},
         {"show",
          [&] {
              if (asked.option.starts_with("LAPACKE_"))
@@ -190,9 +206,9 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports",    "version-script", "fortran",       "formats",
-        "show",       "c-header",       "cblas-header",  "companion-exports",
-        "vml-header", "vml-fortran",    "helper-header", "lapacke-header"};
+        "exports",       "version-script", "fortran",           "formats",    "show",
+        "c-header",      "cblas-header",   "companion-exports", "vml-header", "vml-fortran",
+        "helper-header", "lapacke-header", "vsl-header",        "vsl-fortran"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

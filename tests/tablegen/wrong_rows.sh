@@ -121,5 +121,23 @@ expect_setting 'a row has the columns' 'SetMode mode'
 expect_setting 'a row has the columns' 'SetMode mode -'
 expect_setting 'a row has the columns' 'SetMode integer mode'
 
+# expect_vsl MESSAGE ROW: a generator, a stream routine or a task
+expect_vsl() {
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" vsl-frames --vsl "$scratch/wrong.tbl"
+}
+expect_vsl 'the columns name, types, frame' 'vslCopy -'
+expect_vsl 'is no frame' 'v?RngCauchy s,d draw:1 a:real'
+expect_vsl 'is no frame' 'v?RngCauchy s,d generate a:real'
+expect_vsl 'has no methods' 'v?RngCauchy s,d generate:+ a:real'
+expect_vsl '`q` is no type' 'v?RngCauchy s,q generate:1 a:real'
+expect_vsl 'lists its types' 'v?RngCauchy - generate:1 a:real'
+expect_vsl 'is not an argument' 'v?RngCauchy s,d generate:1 a'
+expect_vsl 'unknown kind `number`' 'v?RngCauchy s,d generate:1 a:number'
+expect_vsl 'two arguments are called `a`' 'v?RngCauchy s,d generate:1 a:real a:real'
+expect_vsl 'names no argument ahead of it' 'v?RngUniform s,d generate:1 b:real:above(a) a:real'
+expect_vsl 'stands in' 'vslCopy - stream
+vslCopy - stream'
+
 echo "$count wrong rows"
 exit $failed
