@@ -132,7 +132,7 @@ class execution {
     template <class R>
     outcome compute() noexcept
     {
-        constexpr double not_worth_a_thought = 5000;
+        constexpr double not_worth_a_thought = 3000;
         const double sums = direct_cost<R>(p_);
         const bool automatic = task_.set.mode == VSL_CONV_MODE_AUTO;
         if (task_.set.mode == VSL_CONV_MODE_DIRECT || (automatic && sums < not_worth_a_thought))

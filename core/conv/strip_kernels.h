@@ -35,6 +35,13 @@ struct lanes_of {
     {
         return *reinterpret_cast<const stored *>(from);
     }
+    /// The compiler would read again what is used twice, and such reads cross cache lines.
+    [[gnu::always_inline]] static lanes load_once(const R *from)
+    {
+        lanes value = load(from);
+        asm("" : "+v"(value));
+        return value;
+    }
     [[gnu::always_inline]] static void store(R *to, lanes value)
     {
         *reinterpret_cast<stored *>(to) = value;
@@ -75,11 +82,11 @@ struct tile {
         const R re = *a;
 #pragma GCC unroll 8
         for (int v = 0; v < vectors; ++v) {
-            const lanes x = unit::load(b + v * unit::count);
+            const lanes x = unit::load_once(b + v * unit::count);
             sum[0][v] += re * x;
             if constexpr (is_complex) {
                 const R im = a[s.a_imaginary];
-                const lanes y = unit::load(b + s.b_imaginary + v * unit::count);
+                const lanes y = unit::load_once(b + s.b_imaginary + v * unit::count);
                 sum[0][v] -= im * y;
                 sum[1][v] += re * y;
                 sum[1][v] += im * x;

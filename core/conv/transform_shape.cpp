@@ -36,8 +36,8 @@ int64_t whole_length(const dimension &d) noexcept
 template <class R, class T>
 double time_of(double elements) noexcept
 {
-    constexpr double butterfly = (sizeof(R) == sizeof(double) ? 0.6 : 0.4) * parts_of<T>::count;
-    constexpr double movement = 1.0 * parts_of<T>::count, cache = 1 << 20, beyond_cache = 1.8;
+    constexpr double butterfly = (sizeof(R) == sizeof(double) ? 0.15 : 0.1) * parts_of<T>::count;
+    constexpr double movement = 0.5 * parts_of<T>::count, cache = 1 << 20, beyond_cache = 1.8;
     const double time = elements * (butterfly * std::log2(elements + 1) + movement);
     return elements * sizeof(R) * parts_of<T>::count > cache ? beyond_cache * time : time;
 }
@@ -57,7 +57,7 @@ int64_t transform_shape::blocks() const noexcept
 template <class R, class T>
 transform_shape choose_transform(const problem<T> &p, bool a_is_fixed) noexcept
 {
-    constexpr double call = 5000;
+    constexpr double call = 2500;
     transform_shape shape{p.rank, {}, call};
     double elements = 1, blocks = 1; // of the present choice
     for (int d = 0; d < p.rank; ++d) {
