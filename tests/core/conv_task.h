@@ -113,8 +113,8 @@ struct strided {
 struct settings {
     conv::kind kind = convolution;
     int32_t mode = VSL_CONV_MODE_AUTO;
-    vector x, y, z;
-    vector start, decimation; // empty where they are not set
+    vector x{}, y{}, z{};
+    vector start{}, decimation{}; // empty where they are not set
     int32_t internal_precision = 0;
     bool fixed = false;
 };
