@@ -56,25 +56,26 @@ class strip_block {
 };
 
 template <class T>
-input_shape shape_of_a(const problem<T> &p) noexcept
+input_shape shape_of(const problem<T> &p, int64_t dimension::*count, int64_t dimension::*stride) noexcept
 {
     input_shape shape{p.rank, {}, {}};
     for (int d = 0; d < p.rank; ++d) {
-        shape.counts[d] = p.dimensions[d].a_count;
-        shape.strides[d] = p.dimensions[d].a_stride;
+        shape.counts[d] = p.dimensions[d].*count;
+        shape.strides[d] = p.dimensions[d].*stride;
     }
     return shape;
 }
 
 template <class T>
+input_shape shape_of_a(const problem<T> &p) noexcept
+{
+    return shape_of(p, &dimension::a_count, &dimension::a_stride);
+}
+
+template <class T>
 input_shape shape_of_b(const problem<T> &p) noexcept
 {
-    input_shape shape{p.rank, {}, {}};
-    for (int d = 0; d < p.rank; ++d) {
-        shape.counts[d] = p.dimensions[d].b_count;
-        shape.strides[d] = p.dimensions[d].b_stride;
-    }
-    return shape;
+    return shape_of(p, &dimension::b_count, &dimension::b_stride);
 }
 
 /// The sums for one problem whose inputs have been packed
@@ -118,7 +119,9 @@ class direct_sums {
     {
         alignas(64) R sums[parts * longest_segment];
         const int64_t count = std::min(segment_, p_.inner().count - first);
-        std::memset(sums, 0, sizeof sums);
+        const int64_t cleared = (count + width - 1) / width * width;
+        for (int part = 0; part < parts; ++part)
+            std::memset(sums + part * longest_segment, 0, sizeof(R) * static_cast<size_t>(cleared));
         T *z = p_.z + first * p_.inner().z_stride;
         outer_range ranges[max_rank];
         for (int d = p_.rank - 2; d >= 0; --d) {
@@ -198,15 +201,6 @@ void order_dimensions(problem<T> &p) noexcept
             std::swap(p.dimensions[e], p.dimensions[e - 1]);
 }
 
-template <class T>
-double bytes_of_input(const input_shape &shape) noexcept
-{
-    double bytes = sizeof(T);
-    for (int d = 0; d < shape.rank; ++d)
-        bytes *= static_cast<double>(shape.counts[d]);
-    return bytes;
-}
-
 template <class R>
 double bytes_of_rows(const packed_rows<R> &rows, const input_shape &shape) noexcept
 {
@@ -246,8 +240,7 @@ template <class R, class T>
 bool convolve_directly(problem<T> p) noexcept
 {
     order_dimensions(p);
-    if (bytes_of_input<T>(shape_of_a(p)) > bytes_of_input<T>(shape_of_b(p)))
-        p.exchange_inputs();
+    p.put_smaller_first();
     const bool one_by_one = p.inner().step > 1 && p.inner().count < few;
     const int64_t step = one_by_one ? 1 : p.inner().step;
     const input_shape a = shape_of_a(p), b = shape_of_b(p);
@@ -271,18 +264,15 @@ double direct_cost(const problem<T> &p) noexcept
     constexpr int parts = parts_of<T>::count;
     constexpr double product = sizeof(R) * (parts == 2 ? 0.018 : 0.0073);
     constexpr double tile = 5 * parts, masked = 7 * parts, element = 0.5 * parts;
-    double rows = 1, a = 1, b = 1, z = 1;
-    for (int d = 0; d < p.rank; ++d) {
-        const dimension &each = p.dimensions[d];
-        a *= static_cast<double>(each.a_count);
-        b *= static_cast<double>(each.b_count);
-        z *= static_cast<double>(each.count);
-        rows *= d < p.rank - 1 ? products(each) : 1;
-    }
+    double rows = 1;
+    for (int d = 0; d < p.rank - 1; ++d)
+        rows *= products(p.dimensions[d]);
+    const double moved =
+        p.elements(&dimension::a_count) + p.elements(&dimension::b_count) + p.elements(&dimension::count);
     const dimension &inner = p.inner();
     const double tiles = static_cast<double>((inner.count - 1) / kernel_width<R> + 1);
     const double ends = 2 * static_cast<double>(std::min({inner.a_count, inner.b_count, inner.count}));
-    return rows * (product * products(inner) + tile * tiles + masked * ends) + element * (a + b + z);
+    return rows * (product * products(inner) + tile * tiles + masked * ends) + element * moved;
 }
 
 template bool convolve_directly<float>(problem<float>) noexcept;

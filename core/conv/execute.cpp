@@ -138,28 +138,13 @@ class execution {
         if (task_.set.mode == VSL_CONV_MODE_DIRECT || (automatic && sums < not_worth_a_thought))
             return compute_directly<R>();
         problem<T> for_transform = p_;
-        if (!fixed_ && elements_of_a() > elements_of_b())
-            for_transform.exchange_inputs();
+        if (!fixed_)
+            for_transform.put_smaller_first();
         const transform_shape shape = choose_transform<R>(for_transform, fixed_);
         if (automatic && sums < shape.cost)
             return compute_directly<R>();
         const outcome result = convolve_by_transform<R>(for_transform, shape, fixed_, task_.plan);
         return result != outcome::done && automatic ? compute_directly<R>() : result;
-    }
-
-    double elements_of_a() const noexcept
-    {
-        double all = 1;
-        for (int d = 0; d < p_.rank; ++d)
-            all *= static_cast<double>(p_.dimensions[d].a_count);
-        return all;
-    }
-    double elements_of_b() const noexcept
-    {
-        double all = 1;
-        for (int d = 0; d < p_.rank; ++d)
-            all *= static_cast<double>(p_.dimensions[d].b_count);
-        return all;
     }
 
     task &task_;

@@ -45,15 +45,28 @@ struct problem {
     dimension &inner() { return dimensions[rank - 1]; }
     const dimension &inner() const { return dimensions[rank - 1]; }
 
-    /// Convolution does not care which input comes first.
-    void exchange_inputs() noexcept;
+    /// All elements of the array that has these counts
+    double elements(int64_t dimension::*count) const noexcept;
+    /// Convolution does not care which input comes first; computing it does.
+    void put_smaller_first() noexcept;
     /// Leaves out in one dimension what is not needed. Where nothing is left, its count becomes 0.
     void trim(int d) noexcept;
 };
 
 template <class T>
-void problem<T>::exchange_inputs() noexcept
+double problem<T>::elements(int64_t dimension::*count) const noexcept
 {
+    double all = 1;
+    for (int d = 0; d < rank; ++d)
+        all *= static_cast<double>(dimensions[d].*count);
+    return all;
+}
+
+template <class T>
+void problem<T>::put_smaller_first() noexcept
+{
+    if (elements(&dimension::a_count) <= elements(&dimension::b_count))
+        return;
     const auto exchange = [](auto &p, auto &q) {
         const auto old = p;
         p = q;
