@@ -18,6 +18,9 @@ list(TRANSFORM XKL_LAPACKE_TABLES APPEND .tbl)
 set(XKL_LAPACKE_BASE_TABLES ${PROJECT_SOURCE_DIR}/src/blas/level1.tbl ${XKL_LAPACK_TABLES})
 set(XKL_MATCOPY_TABLE_NAMES matcopy)
 set(XKL_MATCOPY_TABLES ${PROJECT_SOURCE_DIR}/src/matcopy/matcopy.tbl)
+set(XKL_DFTI_TABLE_NAMES interface fortran entries)
+list(TRANSFORM XKL_DFTI_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/dfti/ OUTPUT_VARIABLE XKL_DFTI_TABLES)
+list(TRANSFORM XKL_DFTI_TABLES APPEND .tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 set(XKL_VML_TABLE ${PROJECT_SOURCE_DIR}/src/vml/vml.tbl)
 set(XKL_VML_SETTINGS ${PROJECT_SOURCE_DIR}/src/vml/settings.tbl)
@@ -29,7 +32,7 @@ list(TRANSFORM XKL_VSL_TABLES APPEND .tbl)
 set(XKL_CONV_TABLES ${PROJECT_SOURCE_DIR}/src/vsl/entries.tbl) # of the core
 
 # For ./dev, which reads no CMake.
-foreach(family BLAS LAPACK LAPACKE LAPACKE_BASE MATCOPY VSL)
+foreach(family BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY VSL)
   string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
   file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
 endforeach()
