@@ -24,6 +24,7 @@ struct manifest_part {
 };
 
 extern const manifest_part blas_manifest;
+extern const manifest_part dfti_manifest;
 extern const manifest_part lapack_manifest;
 extern const manifest_part matcopy_manifest;
 extern const manifest_part service_manifest;

@@ -4,6 +4,7 @@
 
 #include "xkl_blas.h"
 #include "xkl_cblas.h"
+#include "xkl_dfti.h"
 #include "xkl_lapack.h"
 #include "xkl_lapacke.h"
 #include "xkl_matcopy.h"

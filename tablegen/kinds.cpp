@@ -22,6 +22,7 @@ const std::map<std::string, std::string> storage_types = {
     {"void", "void"},
     {"char", "char"},
     {"handle", "void *"},
+    {"descriptor", "DFTI_DESCRIPTOR *"},
     {"xkl_version", "xkl_version"},
 };
 
@@ -123,7 +124,9 @@ std::string c_element(const std::string &kind, char element)
 std::string c_type(const argument &arg, char element)
 {
     if (is_verbatim(arg.kind))
-        return arg.kind == "=pointer" ? "void *" : arg.kind.substr(1) + " ";
+        return arg.kind == "=pointer"      ? "void *"
+               : arg.kind == "=descriptor" ? "DFTI_DESCRIPTOR *"
+                                           : arg.kind.substr(1) + " ";
     if (arg.kind == "v")
         return arg.written ? "void **" : "void *const *";
     if (arg.kind == "P")
@@ -133,6 +136,8 @@ std::string c_type(const argument &arg, char element)
         return arg.written ? "int64_t *const *" : "const int64_t *const *";
     if (arg.kind == "*handle")
         return arg.written ? "void **" : "void *const *";
+    if (arg.kind == "*descriptor")
+        return arg.written ? "DFTI_DESCRIPTOR **" : "DFTI_DESCRIPTOR *const *";
     if (arg.kind == "info")
         return "int64_t *";
     if (arg.kind == "p")

@@ -36,6 +36,14 @@ const std::map<std::string, name_list (*)(const std::string &, const std::string
      [](const std::string &u, const std::string &l) {
          return name_list{l, l + "_", u};
      }},
+    {"fourier",
+     [](const std::string &u, const std::string &l) {
+         return name_list{l, l + "_", l + "__", u, u + "_"};
+     }},
+    {"dfti",
+     [](const std::string &u, const std::string &l) {
+         return name_list{u, "xkl_dft_" + l};
+     }},
     {"single", [](const std::string &, const std::string &l) { return name_list{l}; }},
     {"internal", [](const std::string &u, const std::string &) { return name_list{u}; }},
 };
@@ -183,6 +191,8 @@ int hidden_lengths(const routine &row)
 
 name_list exported_names(const routine &row)
 {
+    if (row.frame.kind == "entry")
+        return {};
     if (row.frame.kind == "forward-mixed")
         return {mixed_body(row)};
     name_list names = other_spellings(row);
@@ -191,6 +201,8 @@ name_list exported_names(const routine &row)
         names.push_back(mixed_body(row));
     if (row.has_checker())
         names.push_back(checker(row));
+    if (row.is_here())
+        names.push_back(core_entry(row));
     return names;
 }
 

@@ -27,7 +27,7 @@ routines with_entries(const routines &rows)
     routines chosen;
     std::set<std::string> seen;
     for (const routine &row : rows)
-        if (row.frame.kind != "own" && seen.insert(core_entry(row)).second)
+        if (row.frame.kind != "own" && !row.is_here() && seen.insert(core_entry(row)).second)
             chosen.push_back(row);
     return chosen;
 }
@@ -62,9 +62,15 @@ int entry_words(const routine &row)
 
 void print_core_header(std::ostream &out, const routines &rows)
 {
+    const auto takes_descriptor = [](const routine &row) {
+        return std::any_of(row.arguments.begin(), row.arguments.end(),
+                           [](const argument &each) { return each.kind == "*descriptor"; });
+    };
     out << "// Generated from " << rows.front().family
         << "'s tables: what the interface library imports from its core.\n"
         << "#pragma once\n#include \"xkl_types.h\"\n#pragma GCC visibility push(default)\nextern \"C\" {\n";
+    if (std::any_of(rows.begin(), rows.end(), takes_descriptor))
+        out << "struct DFTI_DESCRIPTOR; // xkl_dfti.h\n";
     for (const routine &row : with_entries(rows))
         out << c_result(row) << " " << core_entry(row) << "(" << entry_parameters(row) << ");\n";
     out << "}\n#pragma GCC visibility pop\n";

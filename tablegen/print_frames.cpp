@@ -136,7 +136,7 @@ void print_frames(std::ostream &out, const routines &rows, const std::string &ch
     out << "#include \"" << checks_header << "\"\n#include \"frame/frames.h\"\n#include \""
         << rows.front().family << "_frames.h\"\n";
     for (const routine &row : rows) {
-        if (row.frame.kind == "own")
+        if (row.frame.kind == "own" || row.frame.kind == "entry")
             continue;
         out << "\n// " << row.name << ": " << row.place << ", frame `" << row.frame.kind << "` (src/frame/"
             << row.frame.kind << ".h)\nnamespace {\n";

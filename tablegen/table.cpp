@@ -112,12 +112,13 @@ frame_spec parse_frame(const reader &at, std::string text)
     }
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
-    static const std::set<std::string> known = {"checked", "guarded", "registered",    "traced", "through",
-                                                "valued",  "forward", "forward-mixed", "helper", "own"};
+    static const std::set<std::string> known = {"checked", "guarded", "registered", "traced",
+                                                "through", "valued",  "forward",    "forward-mixed",
+                                                "helper",  "own",     "entry"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
                 "`; frames are checked, guarded, registered, traced, through, valued, forward, "
-                "forward-mixed, helper, own");
+                "forward-mixed, helper, own, entry");
     static const std::set<std::string> ruled = {"checked", "guarded", "valued", "helper"};
     if (ruled.contains(frame.kind) != !frame.rule.empty() && frame.kind != "forward")
         at.fail(

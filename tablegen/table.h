@@ -23,11 +23,11 @@ struct argument {
 
 /// What follows the name and the types in a row: `checked-group:gemm_batch/bare`.
 struct frame_spec {
-    std::string kind;   // checked, guarded, registered, traced, through, valued, forward, own
+    std::string kind;   // checked, guarded, registered, traced, through, valued, forward, own, entry
     bool group = false; // group batch: one value a group, and a trailing 0 to checker and core
     std::string rule;   // the checker's rule, or the step that a forwarder takes first
     std::string option; // `bare`: reported without trailing blank; `addresses`: the trace prints every
-                        // argument's address; forwarders: the mixed-case name
+        // argument's address; forwarders: the mixed-case name; `here`: the frame's entry is in this library
 };
 
 /// One routine in one type: what the generator prints from.
@@ -51,6 +51,8 @@ struct routine {
     bool is_valued() const { return frame.kind == "valued"; }
     bool has_checker() const { return frame.kind == "checked" || frame.kind == "guarded" || is_valued(); }
     bool has_trace() const { return frame.kind != "through" && frame.kind != "guarded"; }
+    /// The entry that the frame calls is this library's own, and exported.
+    bool is_here() const { return frame.kind == "through" && frame.option == "here"; }
     bool has_result() const { return result != "-" && result != "first"; }
 };
 
