@@ -150,12 +150,14 @@ void print_fftw_header(std::ostream &out, const fftw_table &table)
 
 void print_fftw_fortran_constants(std::ostream &out, const fftw_table &table)
 {
-    out << "! fftw3.f: constants for the routines dfftw_... and sfftw_..., in fixed or free form. They take 64-bit\n"
-           "! integers, so these are some, whatever the options of the compiler; plans are 64-bit integers too.\n";
+    out << "! fftw3.f: constants for the routines dfftw_... and sfftw_..., in fixed or free form. They "
+           "take 64-bit\n"
+           "! integers, so these are some, whatever the options of the compiler; plans are 64-bit integers "
+           "too.\n";
     for (const fftw_constant &each : table.constants)
         if (each.group != "data")
-            out << "      integer*8 " << each.name << "\n      parameter (" << each.name << "=" << each.value
-                << ")\n";
+            out << "      integer*8 " << each.name << "\n      parameter (" << each.name << "="
+                << each.value << ")\n";
 }
 
 void print_fftw_fortran(std::ostream &out, const fftw_table &table)

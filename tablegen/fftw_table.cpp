@@ -79,7 +79,8 @@ class reader {
     void row(const std::vector<std::string> &words)
     {
         const std::string &group = words.at(0);
-        if (words.size() < 2 || !names_.insert(words[group == "routine" && words.size() > 2 ? 2 : 1]).second)
+        if (words.size() < 2 ||
+            !names_.insert(words[group == "routine" && words.size() > 2 ? 2 : 1]).second)
             fail("a row has a name of its own behind its first word");
         if ((group == "constant" || group == "kind") && words.size() == 3)
             table_.constants.push_back({group, words[1], words[2], about_});

@@ -18,9 +18,10 @@ struct fftw_family {
 
 /// How a kind of argument is written. `@` is the place of the family's prefix, `%` of its real type.
 struct fftw_kind {
-    std::string c;         // `const int *`, with its blank
-    std::string by_address; // in the forms where all go by address; empty: these forms have no such argument
-    std::string fortran;   // `integer(C_INT), dimension(*)`
+    std::string c; // `const int *`, with its blank
+    std::string
+        by_address;      // in the forms where all go by address; empty: these forms have no such argument
+    std::string fortran; // `integer(C_INT), dimension(*)`
 };
 
 /// FFTW_FORWARD, one of the kinds of real transforms, or the name of a text.
@@ -30,7 +31,7 @@ struct fftw_constant {
 };
 
 struct fftw_routine {
-    std::string name; // without its prefix: plan_dft
+    std::string name;        // without its prefix: plan_dft
     bool by_address = false; // has forms that Fortran calls without an interface
     std::string result;      // a kind, or `-`
     std::vector<argument> arguments;

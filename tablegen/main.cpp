@@ -127,7 +127,8 @@ void run(const request &asked, std::ostream &out)
     const auto functions = asked.vml.empty() ? vml_functions{} : read_vml_table(asked.vml);
     const auto fftw = asked.fftw.empty() ? fftw_table{} : read_fftw_table(asked.fftw);
     if (rows.empty() && functions.empty() && fftw.routines.empty())
-        throw table_error("no rows: name at least one table behind --tables, or one behind --vml or --fftw");
+        throw table_error(
+            "no rows: name at least one table behind --tables, or one behind --vml or --fftw");
     const auto settings =
         asked.settings.empty() ? std::vector<vml_setting>{} : read_vml_settings(asked.settings);
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
@@ -201,10 +202,9 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports",    "version-script", "fortran",       "formats",
-        "show",       "c-header",       "cblas-header",  "companion-exports",
-        "vml-header", "vml-fortran",    "helper-header", "lapacke-header",
-        "fftw-header", "fftw-constants", "fftw-fortran"};
+        "exports",       "version-script", "fortran",           "formats",        "show",
+        "c-header",      "cblas-header",   "companion-exports", "vml-header",     "vml-fortran",
+        "helper-header", "lapacke-header", "fftw-header",       "fftw-constants", "fftw-fortran"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();
