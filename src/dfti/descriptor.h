@@ -1,0 +1,36 @@
+// What all functions of this family share: telling a descriptor from anything else, and the order of
+// dimensions. C's first dimension is the slowest, the core's first one the fastest, as Fortran has it.
+#pragma once
+
+#include "core_dfti.h"
+#include "dft/descriptor.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace xkl::dfti {
+
+constexpr int64_t most_dimensions = 7;
+
+/// The offset, and a stride for each dimension.
+using stride_vector = int64_t[most_dimensions + 1];
+
+inline bool is_descriptor(const DFTI_DESCRIPTOR *handle)
+{
+    return handle && handle->tag == xkl_dft_tag;
+}
+
+inline void reverse(int64_t *entries, int64_t count)
+{
+    for (int64_t i = 0, j = count - 1; i < j; ++i, --j)
+        std::swap(entries[i], entries[j]);
+}
+
+/// Copies lengths from C's order to the core's, or back.
+inline void copy_reversed(const int64_t *from, int64_t count, int64_t *to)
+{
+    for (int64_t i = 0; i < count; ++i)
+        to[i] = from[count - 1 - i];
+}
+
+} // namespace xkl::dfti
