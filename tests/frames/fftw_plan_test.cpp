@@ -95,9 +95,9 @@ TYPED_TEST(fftw_plans, nothing_happens_without_a_plan_or_arrays)
 {
     using family = fftw<TypeParam>;
     const auto plan = family::plan_dft_1d(4, this->z(0), this->z(1), -1, 0);
-    const auto empty = reinterpret_cast<decltype(plan)>(fftw3_xkl.plan_constructor());
+    const auto empty = reinterpret_cast<typename family::plan>(fftw3_xkl.plan_constructor());
     EXPECT_EQ(this->steps_of([&] {
-        for (const decltype(plan + 0) each : {decltype(plan + 0)(nullptr), empty}) {
+        for (const typename family::plan each : {typename family::plan(nullptr), empty}) {
             family::execute(each);
             family::execute_dft(each, this->z(0), this->z(1));
             family::execute_dft_r2c(each, this->x(0), this->z(1));

@@ -61,14 +61,14 @@ TYPED_TEST(fftw_planners, complex_plans_take_their_steps_in_order)
     const fftw_iodim64 line[] = {{8, 3, 2}}, box[] = {{4, 60, 60}, {5, 12, 12}, {6, 2, 2}},
                        seven = {7, 500, 500};
     EXPECT_EQ(this->steps_of(family::plan_guru64_dft(1, line, 0, nullptr, z(this->a), z(this->b), -1, 0)),
-              (steps{"create dc1d 8", "set 12 3", "set 11 44", "set 13 2", "set 27 1", "commit"}));
+              (steps{"create dc1d 8", "set 12 0 3", "set 11 44", "set 13 0 2", "set 27 1", "commit"}));
     EXPECT_EQ(this->steps_of(family::plan_guru64_dft(3, box, 1, &seven, z(this->a), z(this->a), 1,
                                                      FFTW_CONSERVE_MEMORY | FFTW_MEASURE)),
-              (steps{"create dcmd 4 5 6", "set 17 52", "set 12 60 12 2", "set 7 7", "set 14 500",
+              (steps{"create dcmd 4 5 6", "set 17 52", "set 12 0 60 12 2", "set 7 7", "set 14 500",
                      "set 15 500", "set 27 1", "commit"}));
     const fftw_iodim narrow[] = {{4, 1, 5}, {5, 4, 1}}, twice = {2, 20, 30};
     EXPECT_EQ(this->steps_of(family::plan_guru_dft(2, narrow, 1, &twice, z(this->a), z(this->b), -1, ~4u)),
-              (steps{"create dcmd 4 5", "set 12 1 4", "set 11 44", "set 13 5 1", "set 7 2", "set 14 20",
+              (steps{"create dcmd 4 5", "set 12 0 1 4", "set 11 44", "set 13 0 5 1", "set 7 2", "set 14 20",
                      "set 15 30", "set 27 1", "commit"}))
         << "only the flag of value 4 counts";
 }
@@ -86,19 +86,19 @@ TYPED_TEST(fftw_planners, rows_of_the_last_dimension_are_contiguous)
         return first;
     };
     EXPECT_EQ(this->steps_of(family::plan_dft(3, n, in, out, -1, 0)),
-              apart({"create dcmd 4 5 6"}, "set 12 30 6 1", "set 13 30 6 1"));
+              apart({"create dcmd 4 5 6"}, "set 12 0 30 6 1", "set 13 0 30 6 1"));
     EXPECT_EQ(this->steps_of(family::plan_dft_1d(9, in, out, -1, 0)),
-              apart({"create dc1d 9"}, "set 12 1", "set 13 1"));
+              apart({"create dc1d 9"}, "set 12 0 1", "set 13 0 1"));
     EXPECT_EQ(this->steps_of(family::plan_dft_2d(9, 7, in, out, -1, 0)),
-              apart({"create dcmd 9 7"}, "set 12 7 1", "set 13 7 1"));
+              apart({"create dcmd 9 7"}, "set 12 0 7 1", "set 13 0 7 1"));
     EXPECT_EQ(this->steps_of(family::plan_dft_3d(4, 5, 6, in, out, -1, 0)),
-              apart({"create dcmd 4 5 6"}, "set 12 30 6 1", "set 13 30 6 1"));
+              apart({"create dcmd 4 5 6"}, "set 12 0 30 6 1", "set 13 0 30 6 1"));
     EXPECT_EQ(
         this->steps_of(family::plan_many_dft(3, n, 2, in, in_rows, 3, 1000, out, out_rows, 2, 2000, -1, 0)),
-        apart({"create dcmd 4 5 6"}, "set 12 168 24 3", "set 13 180 20 2",
+        apart({"create dcmd 4 5 6"}, "set 12 0 168 24 3", "set 13 0 180 20 2",
               {"set 7 2", "set 14 1000", "set 15 2000"}));
     EXPECT_EQ(this->steps_of(family::plan_many_dft(1, n, 1, in, nullptr, 1, 17, in, nullptr, 1, 18, -1, 0)),
-              (steps{"create dc1d 4", "set 12 1", "set 27 1", "commit"}))
+              (steps{"create dc1d 4", "set 12 0 1", "set 27 1", "commit"}))
         << "distances of one transform";
 }
 
@@ -115,32 +115,32 @@ TYPED_TEST(fftw_planners, real_plans_have_complex_rows_of_half_the_length)
         all.insert(all.end(), {"set 27 1", "commit"});
         return all;
     };
-    const steps forward = with({"set 12 30 6 1", "set 11 44", "set 13 20 4 1"});
+    const steps forward = with({"set 12 0 30 6 1", "set 11 44", "set 13 0 20 4 1"});
     EXPECT_EQ(this->steps_of(family::plan_dft_r2c(3, n, x, z(y), 0)), forward);
     EXPECT_EQ(this->steps_of(family::plan_dft_r2c_3d(4, 5, 6, x, z(y), 0)), forward);
     EXPECT_EQ(this->steps_of(family::plan_dft_r2c_3d(4, 5, 6, x, z(x), 0)),
-              with({"set 12 40 8 1", "set 13 20 4 1"}))
+              with({"set 12 0 40 8 1", "set 13 0 20 4 1"}))
         << "padded in place";
     EXPECT_EQ(this->steps_of(family::plan_dft_c2r_3d(4, 5, 6, z(x), y, 0)),
-              with({"set 12 20 4 1", "set 11 44", "set 13 30 6 1"}));
+              with({"set 12 0 20 4 1", "set 11 44", "set 13 0 30 6 1"}));
     EXPECT_EQ(this->steps_of(family::plan_dft_c2r(3, n, z(x), x, 0)),
-              with({"set 12 20 4 1", "set 13 40 8 1"}));
+              with({"set 12 0 20 4 1", "set 13 0 40 8 1"}));
     EXPECT_EQ(
         this->steps_of(family::plan_many_dft_r2c(3, n, 3, x, nullptr, 1, 120, z(y), nullptr, 1, 80, 0)),
-        with({"set 12 30 6 1", "set 11 44", "set 13 20 4 1", "set 7 3", "set 14 120", "set 15 80"}));
+        with({"set 12 0 30 6 1", "set 11 44", "set 13 0 20 4 1", "set 7 3", "set 14 120", "set 15 80"}));
     const int rows[] = {4, 5, 10};
     EXPECT_EQ(
         this->steps_of(family::plan_many_dft_c2r(3, n, 3, z(x), nullptr, 1, 80, y, rows, 2, 400, 0)),
-        with({"set 12 20 4 1", "set 11 44", "set 13 100 20 2", "set 7 3", "set 14 80", "set 15 400"}));
-    EXPECT_EQ(
-        this->steps_of(family::plan_dft_r2c_1d(7, x, z(x), 0)),
-        (steps{"create dr1d 7", "set 10 39", "set 21 57", "set 12 1", "set 13 1", "set 27 1", "commit"}));
+        with({"set 12 0 20 4 1", "set 11 44", "set 13 0 100 20 2", "set 7 3", "set 14 80", "set 15 400"}));
+    EXPECT_EQ(this->steps_of(family::plan_dft_r2c_1d(7, x, z(x), 0)),
+              (steps{"create dr1d 7", "set 10 39", "set 21 57", "set 12 0 1", "set 13 0 1", "set 27 1",
+                     "commit"}));
     EXPECT_EQ(this->steps_of(family::plan_dft_c2r_2d(5, 7, z(x), y, FFTW_CONSERVE_MEMORY)),
-              (steps{"create drmd 5 7", "set 10 39", "set 21 57", "set 17 52", "set 12 4 1", "set 11 44",
-                     "set 13 7 1", "set 27 1", "commit"}));
+              (steps{"create drmd 5 7", "set 10 39", "set 21 57", "set 17 52", "set 12 0 4 1", "set 11 44",
+                     "set 13 0 7 1", "set 27 1", "commit"}));
     const fftw_iodim dims[] = {{4, 9, 8}}, batch = {2, 70, 60};
     EXPECT_EQ(this->steps_of(family::plan_guru_dft_c2r(1, dims, 1, &batch, z(x), y, 0)),
-              (steps{"create dr1d 4", "set 10 39", "set 21 57", "set 12 9", "set 11 44", "set 13 8",
+              (steps{"create dr1d 4", "set 10 39", "set 21 57", "set 12 0 9", "set 11 44", "set 13 0 8",
                      "set 7 2", "set 14 70", "set 15 60", "set 27 1", "commit"}));
 }
 
@@ -150,11 +150,11 @@ TYPED_TEST(fftw_planners, split_plans_keep_the_parts_apart)
     const fftw_iodim64 dims[] = {{4, 5, 5}, {5, 1, 1}};
     EXPECT_EQ(this->steps_of(family::plan_guru64_split_dft(2, dims, 0, nullptr, this->a, this->b, this->c,
                                                            this->d, 0)),
-              (steps{"create dcmd 4 5", "set 8 42", "set 12 5 1", "set 11 44", "set 13 5 1", "set 27 1",
+              (steps{"create dcmd 4 5", "set 8 42", "set 12 0 5 1", "set 11 44", "set 13 0 5 1", "set 27 1",
                      "commit"}));
     EXPECT_EQ(this->steps_of(family::plan_guru64_split_dft(2, dims, 0, nullptr, this->a, this->b, this->a,
                                                            this->b, 0)),
-              (steps{"create dcmd 4 5", "set 8 42", "set 12 5 1", "set 27 1", "commit"}));
+              (steps{"create dcmd 4 5", "set 8 42", "set 12 0 5 1", "set 27 1", "commit"}));
     EXPECT_EQ(family::plan_guru64_split_dft(2, dims, 0, nullptr, this->a, this->b, this->a, this->d, 0),
               nullptr);
     EXPECT_EQ(family::plan_guru64_split_dft_r2c(2, dims, 0, nullptr, this->a, this->b, this->c, 0),
@@ -204,13 +204,13 @@ TYPED_TEST(fftw_planners, the_thread_count_becomes_the_limit)
     using family = fftw<TypeParam>;
     const auto plan = [&] { return family::plan_dft_1d(4, this->z(this->a), this->z(this->a), -1, 0); };
     family::plan_with_nthreads(6);
-    EXPECT_EQ(this->steps_of(plan()), (steps{"create dc1d 4", "set 12 1", "set 27 6", "commit"}));
+    EXPECT_EQ(this->steps_of(plan()), (steps{"create dc1d 4", "set 12 0 1", "set 27 6", "commit"}));
     family::plan_with_nthreads(0);
-    EXPECT_EQ(this->steps_of(plan()), (steps{"create dc1d 4", "set 12 1", "set 27 0", "commit"}));
+    EXPECT_EQ(this->steps_of(plan()), (steps{"create dc1d 4", "set 12 0 1", "set 27 0", "commit"}));
     family::plan_with_nthreads(-1);
-    EXPECT_EQ(this->steps_of(plan()), (steps{"create dc1d 4", "set 12 1", "commit"}));
+    EXPECT_EQ(this->steps_of(plan()), (steps{"create dc1d 4", "set 12 0 1", "commit"}));
     family::cleanup_threads();
-    EXPECT_EQ(this->steps_of(plan()), (steps{"create dc1d 4", "set 12 1", "set 27 1", "commit"}));
+    EXPECT_EQ(this->steps_of(plan()), (steps{"create dc1d 4", "set 12 0 1", "set 27 1", "commit"}));
 }
 
 /// A plan of each kind that has most steps.
