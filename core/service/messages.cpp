@@ -35,7 +35,7 @@ constexpr message catalogue[] = {
     {776, "the descriptor's configuration is not valid, or it has not been committed"},
     {777, "the descriptor's settings contradict each other, or an argument is not valid"},
     {779, "this is not a descriptor, or it has been freed"},
-    {780, "this transform is not implemented"},
+    {message_no_transform, "this transform is not implemented"},
     {781, "internal error of the transform library"},
     {782, "the number of threads does not fit the one that the descriptor was committed for"},
     {783, "a length is too large for this transform"},
@@ -55,16 +55,32 @@ constexpr message catalogue[] = {
      "works everywhere)"},
 };
 
-// Written once, by the first failure to load the kernel library; never freed.
-std::atomic<const char *> kernel_library_text{nullptr};
+// The text of a number once a library could not be opened. The first 80 characters say what to do: users of
+// descriptors may keep no more.
+struct explained_message {
+    message_number number;
+    const char *text;
+    std::atomic<const char *> explained{nullptr}; // written once, by the first failure; never freed
+};
+explained_message explained_messages[] = {
+    {message_no_kernel_library, nullptr},
+    {message_no_transform,
+     "libxkl_core_fft.so not loaded: put it beside libxkl_core.so or set XKL_CORE_FFT"},
+};
+
+const char *catalogue_text(int number) noexcept
+{
+    const auto *found = std::ranges::lower_bound(catalogue, number, {}, &message::number);
+    return found != std::end(catalogue) && found->number == number ? found->text : nullptr;
+}
 
 const char *message_text(int number) noexcept
 {
-    const char *explained = kernel_library_text.load(std::memory_order_acquire);
-    if (number == message_no_kernel_library && explained)
-        return explained;
-    const auto *found = std::ranges::lower_bound(catalogue, number, {}, &message::number);
-    return found != std::end(catalogue) && found->number == number ? found->text : nullptr;
+    for (const explained_message &each : explained_messages)
+        if (const char *text = each.explained.load(std::memory_order_acquire);
+            text && each.number == number)
+            return text;
+    return catalogue_text(number);
 }
 
 // Arguments take the place of "%s" in their order; a missing one shows as "?". Nothing else in a text is
@@ -81,13 +97,14 @@ std::string fill(std::string_view text, int count, va_list values)
 
 } // namespace
 
-void explain_missing_kernel_library(const char *reason) noexcept
+void explain_message(message_number number, const char *reason) noexcept
 {
+    explained_message &which = *std::ranges::find(explained_messages, number, &explained_message::number);
     char *text = nullptr;
-    if (asprintf(&text, "%s (%s)", message_text(message_no_kernel_library), reason) < 0)
+    if (asprintf(&text, "%s (%s)", which.text ? which.text : catalogue_text(number), reason) < 0)
         return;
     const char *none = nullptr;
-    if (!kernel_library_text.compare_exchange_strong(none, text, std::memory_order_acq_rel))
+    if (!which.explained.compare_exchange_strong(none, text, std::memory_order_acq_rel))
         std::free(text);
 }
 

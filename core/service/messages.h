@@ -8,6 +8,7 @@ enum message_number : int {
     message_no_working_directory = 1,
     message_no_kernel_library = 771,
     message_no_kernel = 772,
+    message_no_transform = 780,
     message_missing_entry = 790,
     message_bad_argument = 791,
     message_no_memory_for_copy = 792,
@@ -16,7 +17,8 @@ enum message_number : int {
     message_bad_branch = 795,
 };
 
-// Adds the loader's reason to the text of message_no_kernel_library. The first reason stays.
-void explain_missing_kernel_library(const char *reason) noexcept;
+// Adds the loader's reason to the text about a library that could not be opened: message_no_kernel_library,
+// or message_no_transform, which says then that the transform module is missing. The first reason stays.
+void explain_message(message_number number, const char *reason) noexcept;
 
 } // namespace xkl::core

@@ -28,6 +28,6 @@ extern "C" void *xkl_serv_load_vml(void)
 {
     void *library = dlopen(kernel_library_file().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library)
-        xkl::core::explain_missing_kernel_library(dlerror());
+        xkl::core::explain_message(xkl::core::message_no_kernel_library, dlerror());
     return library;
 }

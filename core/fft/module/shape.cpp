@@ -1,0 +1,198 @@
+// Shapes, workspaces and chunks: everything about a transform that is decided before it runs.
+#include "fft/module/transform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace xkl::fft {
+namespace {
+
+// A chunk with its workspace stays within the share of a second-level cache that one thread can count on.
+constexpr double bytes_in_cache = 256 * 1024;
+
+// Batches whose transforms lie between each other share cache lines: never fewer at once than fill some.
+constexpr int64_t least_interleaved = 16;
+
+// Less work than this is done before another thread has woken up, in floating-point operations.
+constexpr double work_to_share = 1e6;
+
+// One dimension of packed data with unit stride is laid out as complex elements are.
+bool ccs_is_complex(const problem &given)
+{
+    const bool forward = given.what == operation::real_forward;
+    const auto stride = [&](const dimension &each) { return forward ? each.out_stride : each.in_stride; };
+    const int64_t offset = forward ? given.out_offset : given.in_offset;
+    return given.storage == layout::ccs && given.rank == 1 && stride(given.sides[0]) == 1 &&
+           offset % 2 == 0 && (given.batch_rank == 0 || stride(given.batches[0]) % 2 == 0);
+}
+
+bool lies_between_others(const shaped_problem &problem)
+{
+    if (problem.batch_rank == 0)
+        return false;
+    return std::any_of(problem.sides, problem.sides + problem.rank, [&](const dimension &each) {
+        return std::abs(problem.batches[0].out_stride) < std::abs(each.out_stride) && each.length > 1;
+    });
+}
+
+// The output of one transform of a batch may lie on the input of the next.
+bool batch_runs_into_itself(const shaped_problem &problem)
+{
+    return problem.in_place && problem.count() > 1 &&
+           problem.batches[0].in_stride * problem.in_unit() !=
+               problem.batches[0].out_stride * problem.out_unit();
+}
+
+int64_t divisor_near(int64_t count, int64_t most)
+{
+    for (int64_t each = most; each > most / 2; --each)
+        if (count % each == 0)
+            return each;
+    return most;
+}
+
+} // namespace
+
+shaped_problem::shaped_problem(const problem &given) : problem(given)
+{
+    if (!ccs_is_complex(given))
+        return;
+    storage = layout::complex;
+    const bool forward = what == operation::real_forward;
+    (forward ? out_offset : in_offset) /= 2;
+    (forward ? batches[0].out_stride : batches[0].in_stride) /= 2;
+}
+
+int64_t shaped_problem::count() const
+{
+    return batch_rank == 1 && what != operation::real_to_real ? batches[0].length : 1;
+}
+
+int64_t shaped_problem::points() const
+{
+    int64_t product = 1;
+    for (int i = 0; i < rank; ++i)
+        product *= sides[i].length;
+    for (int i = 0; i < batch_rank && what == operation::real_to_real; ++i)
+        product *= batches[i].length;
+    return product;
+}
+
+int64_t shaped_problem::in_parts() const
+{
+    return what == operation::real_forward || what == operation::real_to_real ? 1 : 2;
+}
+
+int64_t shaped_problem::out_parts() const
+{
+    return what == operation::real_backward || what == operation::real_to_real ? 1 : 2;
+}
+
+int64_t shaped_problem::work_parts() const
+{
+    return what == operation::real_to_real ? 1 : 2;
+}
+
+int64_t shaped_problem::compact_length(int index) const
+{
+    const int64_t length = sides[index].length;
+    return real_data() && index == 0 ? length / 2 + 1 : length;
+}
+
+int64_t shaped_problem::in_unit() const
+{
+    return storage == layout::complex ? in_parts() : 1;
+}
+
+int64_t shaped_problem::out_unit() const
+{
+    return storage == layout::complex ? out_parts() : 1;
+}
+
+double shaped_problem::operations() const
+{
+    const auto size = static_cast<double>(points());
+    return 2.5 * static_cast<double>(work_parts()) * size * std::log2(size + 1);
+}
+
+cut first_cut(const shaped_problem &problem)
+{
+    cut chosen;
+    const bool forward = problem.what == operation::real_forward;
+    const bool same_start =
+        problem.in_offset * problem.in_unit() == problem.out_offset * problem.out_unit();
+    const bool collides = problem.in_place && (!same_start || batch_runs_into_itself(problem));
+    if (problem.storage == layout::split)
+        chosen.through_in = chosen.through_out = true;
+    else if (problem.packed() || collides)
+        (forward || problem.what == operation::real_to_real ? chosen.through_out : chosen.through_in) =
+            true;
+    else if (problem.what == operation::real_backward && problem.rank > 1 && !problem.in_place)
+        chosen.through_in = !problem.may_destroy_input; // FFTW overwrites it there
+    return chosen;
+}
+
+void go_through_workspace(const shaped_problem &problem, cut &chosen)
+{
+    chosen.through_in = problem.what == operation::real_backward || problem.what == operation::real_to_real;
+    chosen.through_out = problem.what != operation::real_backward;
+}
+
+void cut_batch(const shaped_problem &problem, cut &chosen)
+{
+    const int64_t count = problem.count();
+    const double work_each = problem.operations();
+    const bool beside = chosen.through_in || chosen.through_out || problem.scale != 1;
+    const bool share = problem.threads > 1 && work_each * static_cast<double>(count) >= work_to_share;
+    chosen.chunk = count;
+    if (batch_runs_into_itself(problem))
+        return; // all of the input is read before any output is written
+    if (beside && count > 1) {
+        const auto bytes =
+            static_cast<double>(problem.points() * 2 * problem.work_parts() * (problem.single ? 4 : 8));
+        const auto fitting = static_cast<int64_t>(bytes_in_cache / bytes);
+        const int64_t least = lies_between_others(problem) ? least_interleaved : 1;
+        chosen.chunk = std::min(std::max(fitting, least), count);
+    }
+    if (share && count >= problem.threads) {
+        chosen.chunk = std::min(chosen.chunk, (count + problem.threads - 1) / problem.threads);
+        chosen.share_chunks = true;
+    } else if (share && work_each >= work_to_share) {
+        chosen.plan_threads = problem.threads;
+    }
+    chosen.chunk = divisor_near(count, chosen.chunk);
+}
+
+plan_request request_for(const shaped_problem &problem, const cut &chosen, int64_t transforms)
+{
+    plan_request wanted;
+    std::memset(&wanted, 0, sizeof wanted);
+    wanted.what = problem.what;
+    wanted.single = problem.single;
+    wanted.rank = problem.rank;
+    wanted.threads = chosen.plan_threads;
+    wanted.batch_rank = problem.batch_rank;
+    wanted.in_place = chosen.through_in ? chosen.through_out : problem.in_place && !chosen.through_out;
+    wanted.preserve_input = !wanted.in_place && !chosen.through_in && !problem.may_destroy_input;
+    int64_t compact = 1; // the stride of the workspace
+    for (int i = 0; i < problem.rank; ++i) {
+        const dimension &side = problem.sides[i];
+        wanted.sides[i] = {side.length, chosen.through_in ? compact : side.in_stride,
+                           chosen.through_out ? compact : side.out_stride};
+        compact *= problem.compact_length(i);
+        if (problem.what == operation::real_to_real)
+            wanted.kinds[i] = problem.kinds[i];
+    }
+    for (int i = 0; i < problem.batch_rank; ++i) {
+        const dimension &batch = problem.batches[i];
+        const int64_t length = problem.what == operation::real_to_real ? batch.length : transforms;
+        wanted.batches[i] = {length, chosen.through_in ? compact : batch.in_stride,
+                             chosen.through_out ? compact : batch.out_stride};
+        compact *= length;
+    }
+    return wanted;
+}
+
+} // namespace xkl::fft
