@@ -121,7 +121,8 @@ void print_fftw_frames(std::ostream &out, const fftw_table &table)
 
 void print_fftw_header(std::ostream &out, const fftw_table &table)
 {
-    out << "/* fftw3_routines.h: constants and routines of fftw3.h, which includes this file. */\n\n";
+    out << "/* fftw3_routines.h: constants and routines of fftw3.h, which includes this file. */\n"
+           "#ifndef FFTW3_ROUTINES_H\n#define FFTW3_ROUTINES_H\n\n#include \"fftw3.h\"\n\n";
     for (const fftw_constant &each : table.constants)
         if (each.group == "constant")
             out << "/* " << each.about << " */\n#define " << each.name
@@ -145,7 +146,7 @@ void print_fftw_header(std::ostream &out, const fftw_table &table)
         for (const fftw_family &family : fftw_families())
             out << c_prototype(row, family) << ";\n";
     }
-    out << "\n#ifdef __cplusplus\n}\n#endif\n";
+    out << "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
 }
 
 void print_fftw_fortran_constants(std::ostream &out, const fftw_table &table)

@@ -32,8 +32,8 @@ number fourier(const number *x, int stride, int n, int k)
     return sum;
 }
 
-/// cos(pi (j + a) (k + b) / m) or sin, with a and b in halves: the cosine and sine transforms differ in these,
-/// and in the weights of their first and last elements.
+/// cos(pi (j + a) (k + b) / m) or sin, with a and b in halves: the cosine and sine transforms differ in
+/// these, and in the weights of their first and last elements.
 inline long double wave(bool sine, int twice_j, int twice_k, int m)
 {
     const number at = turned(static_cast<long long>(twice_j) * twice_k, 8LL * m);

@@ -1,6 +1,6 @@
 // Random problems of every planner with guru's freedom, over the whole stack, against direct sums: 1 to 3
-// dimensions, orders and gaps of the dimensions at random, one transform or several, in place or not, with the
-// plan's arrays and with others. What lies between the elements of the output must stay as it was.
+// dimensions, orders and gaps of the dimensions at random, one transform or several, in place or not, with
+// the plan's arrays and with others. What lies between the elements of the output must stay as it was.
 #include "direct_sums.h"
 #include "fftw_family.h"
 

@@ -1,5 +1,5 @@
-/* A C program as FFTW's users write them, after the uses that its manual teaches: complex transforms of one to
- * three dimensions, padded real ones in place, many at once, guru plans, real-to-real plans, new-array
+/* A C program as FFTW's users write them, after the uses that its manual teaches: complex transforms of one
+ * to three dimensions, padded real ones in place, many at once, guru plans, real-to-real plans, new-array
  * execution, wisdom and threads. Ends with 0 when all results are right. Compiled with PAIRS it does without
  * <complex.h>. */
 #ifndef PAIRS
