@@ -16,7 +16,7 @@ constexpr double bytes_in_cache = 256 * 1024;
 constexpr int64_t least_interleaved = 16;
 
 // Less work than this is done before another thread has woken up, in floating-point operations.
-constexpr double work_to_share = 1e6;
+constexpr double work_to_share = 2.5e6;
 
 // One dimension of packed data with unit stride is laid out as complex elements are.
 bool ccs_is_complex(const problem &given)
@@ -43,6 +43,16 @@ bool batch_runs_into_itself(const shaped_problem &problem)
     return problem.in_place && problem.count() > 1 &&
            problem.batches[0].in_stride * problem.in_unit() !=
                problem.batches[0].out_stride * problem.out_unit();
+}
+
+// FFTW's planner does not come back from some problems with strides below zero.
+bool runs_backwards(const shaped_problem &problem)
+{
+    const auto backwards = [](const dimension &each) {
+        return each.length > 1 && (each.in_stride < 0 || each.out_stride < 0);
+    };
+    return std::any_of(problem.sides, problem.sides + problem.rank, backwards) ||
+           std::any_of(problem.batches, problem.batches + problem.batch_rank, backwards);
 }
 
 int64_t divisor_near(int64_t count, int64_t most)
@@ -101,6 +111,14 @@ int64_t shaped_problem::compact_length(int index) const
     return real_data() && index == 0 ? length / 2 + 1 : length;
 }
 
+int64_t shaped_problem::work_stride(int index, int64_t side_parts) const
+{
+    int64_t stride = index == 0 ? side_parts : work_parts();
+    for (int i = 0; i < index; ++i)
+        stride *= compact_length(i);
+    return stride;
+}
+
 int64_t shaped_problem::in_unit() const
 {
     return storage == layout::complex ? in_parts() : 1;
@@ -120,15 +138,11 @@ double shaped_problem::operations() const
 cut first_cut(const shaped_problem &problem)
 {
     cut chosen;
-    const bool forward = problem.what == operation::real_forward;
     const bool same_start =
         problem.in_offset * problem.in_unit() == problem.out_offset * problem.out_unit();
     const bool collides = problem.in_place && (!same_start || batch_runs_into_itself(problem));
-    if (problem.storage == layout::split)
-        chosen.through_in = chosen.through_out = true;
-    else if (problem.packed() || collides)
-        (forward || problem.what == operation::real_to_real ? chosen.through_out : chosen.through_in) =
-            true;
+    if (problem.storage == layout::split || problem.packed() || collides || runs_backwards(problem))
+        go_through_workspace(problem, chosen);
     else if (problem.what == operation::real_backward && problem.rank > 1 && !problem.in_place)
         chosen.through_in = !problem.may_destroy_input; // FFTW overwrites it there
     return chosen;
@@ -136,8 +150,9 @@ cut first_cut(const shaped_problem &problem)
 
 void go_through_workspace(const shaped_problem &problem, cut &chosen)
 {
-    chosen.through_in = problem.what == operation::real_backward || problem.what == operation::real_to_real;
-    chosen.through_out = problem.what != operation::real_backward;
+    const bool both = !problem.real_data() || runs_backwards(problem);
+    chosen.through_in = both || problem.what == operation::real_backward;
+    chosen.through_out = both || problem.what == operation::real_forward;
 }
 
 void cut_batch(const shaped_problem &problem, cut &chosen)
@@ -176,21 +191,23 @@ plan_request request_for(const shaped_problem &problem, const cut &chosen, int64
     wanted.batch_rank = problem.batch_rank;
     wanted.in_place = chosen.through_in ? chosen.through_out : problem.in_place && !chosen.through_out;
     wanted.preserve_input = !wanted.in_place && !chosen.through_in && !problem.may_destroy_input;
-    int64_t compact = 1; // the stride of the workspace
+    // FFTW counts in elements.
+    const int64_t in = problem.in_parts(), out = problem.out_parts();
     for (int i = 0; i < problem.rank; ++i) {
         const dimension &side = problem.sides[i];
-        wanted.sides[i] = {side.length, chosen.through_in ? compact : side.in_stride,
-                           chosen.through_out ? compact : side.out_stride};
-        compact *= problem.compact_length(i);
+        wanted.sides[i] = {side.length,
+                           chosen.through_in ? problem.work_stride(i, in) / in : side.in_stride,
+                           chosen.through_out ? problem.work_stride(i, out) / out : side.out_stride};
         if (problem.what == operation::real_to_real)
             wanted.kinds[i] = problem.kinds[i];
     }
+    int64_t distance = problem.work_stride(problem.rank, in);
     for (int i = 0; i < problem.batch_rank; ++i) {
         const dimension &batch = problem.batches[i];
         const int64_t length = problem.what == operation::real_to_real ? batch.length : transforms;
-        wanted.batches[i] = {length, chosen.through_in ? compact : batch.in_stride,
-                             chosen.through_out ? compact : batch.out_stride};
-        compact *= length;
+        wanted.batches[i] = {length, chosen.through_in ? distance / in : batch.in_stride,
+                             chosen.through_out ? distance / out : batch.out_stride};
+        distance *= length;
     }
     return wanted;
 }

@@ -81,25 +81,30 @@ class whole_transform final : public transform {
     bool in_place_;
 };
 
-// The axes of a move between a user's side and the workspace.
-axes side_axes(const shaped_problem &shaped, int64_t transforms, bool input, bool half, int64_t unit,
-               int64_t parts, bool user_to_user)
+// The axes of a move between a user's side and the workspace, or from the output to itself.
+axes side_axes(const shaped_problem &shaped, int64_t transforms, bool input, bool to_itself)
 {
+    const int64_t parts = input ? shaped.in_parts() : shaped.out_parts();
+    const int64_t unit = input ? shaped.in_unit() : shaped.out_unit();
+    const bool half = shaped.real_data() && parts == 2;
     axes all;
     if (unit > 1)
         all.add({unit, 1, 1});
-    int64_t compact = parts;
-    const auto add = [&](int64_t length, int64_t stride) {
-        const int64_t user = stride * unit, work = user_to_user ? user : compact;
-        all.add({length, input ? user : work, input ? work : user});
-        compact *= length;
+    const auto add = [&](int64_t length, const dimension &each, int64_t work) {
+        const int64_t user = (input ? each.in_stride : each.out_stride) * unit;
+        const int64_t other = to_itself ? user : work;
+        all.add({length, input ? user : other, input ? other : user});
     };
     for (int i = 0; i < shaped.rank; ++i)
-        add(half ? shaped.compact_length(i) : shaped.sides[i].length,
-            input ? shaped.sides[i].in_stride : shaped.sides[i].out_stride);
-    for (int i = 0; i < shaped.batch_rank; ++i)
-        add(shaped.what == operation::real_to_real ? shaped.batches[i].length : transforms,
-            input ? shaped.batches[i].in_stride : shaped.batches[i].out_stride);
+        add(half ? shaped.compact_length(i) : shaped.sides[i].length, shaped.sides[i],
+            shaped.work_stride(i, parts));
+    int64_t distance = shaped.work_stride(shaped.rank, parts);
+    for (int i = 0; i < shaped.batch_rank; ++i) {
+        const int64_t length =
+            shaped.what == operation::real_to_real ? shaped.batches[i].length : transforms;
+        add(length, shaped.batches[i], distance);
+        distance *= length;
+    }
     all.settle();
     return all;
 }
@@ -113,17 +118,12 @@ class chunk {
         through_in_ = chosen.through_in;
         through_out_ = chosen.through_out;
         transforms_ = transforms;
-        work_each_ = shaped.work_parts();
-        for (int i = 0; i < shaped.rank; ++i)
-            work_each_ *= shaped.compact_length(i);
+        work_each_ = shaped.work_stride(shaped.rank, 1);
         work_reals_ = work_each_ * transforms;
         for (int i = 0; i < shaped.batch_rank && shaped.what == operation::real_to_real; ++i)
             work_reals_ *= shaped.batches[i].length;
-        const bool half_in = shaped.what == operation::real_backward,
-                   half_out = shaped.what == operation::real_forward;
-        load_ = side_axes(shaped, transforms, true, half_in, shaped.in_unit(), shaped.work_parts(), false);
-        store_ = side_axes(shaped, transforms, false, half_out, shaped.out_unit(), shaped.work_parts(),
-                           !through_out_);
+        load_ = side_axes(shaped, transforms, true, false);
+        store_ = side_axes(shaped, transforms, false, !through_out_);
         return plans_.plan(request_for(shaped, chosen, transforms));
     }
 
@@ -149,7 +149,7 @@ class chunk {
   private:
     void load(const shaped_problem &of, const arrays<T> &at, T *work) const
     {
-        if (of.packed()) {
+        if (of.packed() && of.in_parts() == 2) {
             const packed_spectrum<T> packed(of, true);
             const int64_t distance = of.batch_rank > 0 ? of.batches[0].in_stride : 0;
             for (int64_t each = 0; each < transforms_; ++each)
@@ -164,7 +164,7 @@ class chunk {
     void store(const shaped_problem &of, const arrays<T> &at, const T *work) const
     {
         const auto scale = static_cast<T>(of.scale);
-        if (of.packed()) {
+        if (of.packed() && of.out_parts() == 2) {
             const packed_spectrum<T> packed(of, false);
             const int64_t distance = of.batch_rank > 0 ? of.batches[0].out_stride : 0;
             for (int64_t each = 0; each < transforms_; ++each)

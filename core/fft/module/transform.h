@@ -31,11 +31,15 @@ struct shaped_problem : problem {
     int64_t count() const; // of transforms in the batch
     int64_t points() const;
 
-    // Reals in an element of a side, and elements in a dimension of it, as FFTW has them in compact form.
+    // Reals in an element of a side, and of the workspace.
     int64_t in_parts() const;
     int64_t out_parts() const;
+    int64_t work_parts() const;
+    // Elements of a dimension in the workspace.
     int64_t compact_length(int index) const;
-    int64_t work_parts() const; // reals in an element of the workspace
+    // The workspace's strides, in reals; that of index `rank` leads to the next transform. Real data has rows
+    // as long as those of its spectrum, to be transformed in place.
+    int64_t work_stride(int index, int64_t side_parts) const;
 
     // Reals in the unit of the user's strides on a side.
     int64_t in_unit() const;
@@ -56,7 +60,8 @@ struct cut {
 
 // What the user's layouts ask for, before FFTW has been asked.
 cut first_cut(const shaped_problem &problem);
-// The same when FFTW cannot work on the user's arrays.
+// The same when FFTW cannot work on the user's arrays. For real data it can, as soon as one of them is its
+// own, unless strides run backwards.
 void go_through_workspace(const shaped_problem &problem, cut &chosen);
 // Chooses the chunks and the threads.
 void cut_batch(const shaped_problem &problem, cut &chosen);
