@@ -130,7 +130,8 @@ static void padded_in_place(void)
     fftw_free(data);
 }
 
-/* The columns of a matrix: stride n1, distance 1. Each column is a constant, its spectrum a first element. */
+/* The columns of a matrix: stride n1, distance 1. Each column is a constant, its spectrum a first element. The
+ * real ones once more in place, where the spectra overlap other columns' data. */
 static void many_columns(void)
 {
     enum { n0 = 8, n1 = 3 };
@@ -138,9 +139,11 @@ static void many_columns(void)
     fftw_complex *matrix = fftw_alloc_complex(n0 * n1);
     double *reals = fftw_alloc_real(n0 * n1);
     fftw_complex *halves = fftw_alloc_complex((n0 / 2 + 1) * n1);
+    double *same = (double *)halves;
     fftw_plan p =
         fftw_plan_many_dft(1, n, n1, matrix, NULL, n1, 1, matrix, NULL, n1, 1, FFTW_FORWARD, FFTW_ESTIMATE);
     fftw_plan r = fftw_plan_many_dft_r2c(1, n, n1, reals, n, n1, 1, halves, NULL, n1, 1, FFTW_ESTIMATE);
+    fftw_plan s = fftw_plan_many_dft_r2c(1, n, n1, same, NULL, n1, 1, halves, NULL, n1, 1, FFTW_ESTIMATE);
     double error = 0;
     int i;
     for (i = 0; i < n0 * n1; ++i) {
@@ -154,6 +157,13 @@ static void many_columns(void)
     for (i = 0; i < (n0 / 2 + 1) * n1; ++i)
         error = fmax(error, distance(halves, i, i < n1 ? n0 * (i + 1) : 0, 0));
     check("many", error);
+    for (i = 0; i < n0 * n1; ++i)
+        same[i] = i % n1 + 1;
+    fftw_execute(s);
+    for (error = 0, i = 0; i < (n0 / 2 + 1) * n1; ++i)
+        error = fmax(error, distance(halves, i, i < n1 ? n0 * (i + 1) : 0, 0));
+    check("many in place", error);
+    fftw_destroy_plan(s);
     fftw_destroy_plan(p);
     fftw_destroy_plan(r);
     fftw_free(matrix);
