@@ -130,6 +130,7 @@ TEST_F(Concurrent, ResultsDoNotDependOnTheNumberOfThreads)
     const auto computed_with = [&](int64_t limit) {
         descriptor one(DFTI_SINGLE, DFTI_COMPLEX, lengths);
         one.set(DFTI_THREAD_LIMIT, limit);
+        one.scale(0.5, 1);
         EXPECT_EQ(one.commit(), 0);
         std::vector<float> x = ramp(product(lengths) * 2);
         EXPECT_EQ(one.compute(true, x.data()), 0);

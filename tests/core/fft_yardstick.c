@@ -1,5 +1,5 @@
-/* FFTW as its users call it: fft_yardstick forward|backward|real IN OUT N... reads doubles, transforms them, writes
-   the result. A program of its own because the names of FFTW belong to our library in the others. */
+/* FFTW as its users call it: fft_yardstick forward|backward|real IN OUT N... reads doubles, transforms them,
+   writes the result. A program of its own because the names of FFTW belong to our library in the others. */
 #include <fftw3.h>
 #include <stdio.h>
 #include <stdlib.h>
