@@ -24,6 +24,9 @@ set_target_properties(xkl_gfortran PROPERTIES EXPORT_NAME gfortran)
 install(TARGETS xkl_quorl_ilp64 xkl_quorl_gf_ilp64 xkl_core xkl_kernels xkl_public_headers xkl xkl_gfortran xkl_compat
     xkl_fftw3
     EXPORT xklTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+if(TARGET xkl_core_fft)
+  install(TARGETS xkl_core_fft LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 install(TARGETS xkl_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${XKL_HEADER_FILES} ${PROJECT_SOURCE_DIR}/include/xkl.h ${PROJECT_SOURCE_DIR}/include/xkl_types.h
     ${PROJECT_SOURCE_DIR}/include/xkl_service_types.h ${PROJECT_SOURCE_DIR}/include/xkl_lapacke_types.h

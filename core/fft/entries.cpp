@@ -32,7 +32,7 @@ int32_t create_by_reference(DFTI_DESCRIPTOR **handle, const int32_t *precision, 
 {
     if (handle)
         *handle = nullptr;
-    if (!handle || !precision || !domain || !dimension || !lengths)
+    if (!handle || !precision || !domain || !dimension)
         return DFTI_INCONSISTENT_CONFIGURATION;
     return create(handle, *precision, *domain, *dimension, lengths);
 }
