@@ -109,7 +109,7 @@ problem problem_of(const descriptor &of, bool forward)
     wanted.in_place = of.placement == DFTI_INPLACE;
     wanted.may_destroy_input = of.destroys_input();
     wanted.keep_workspace = of.workspace == DFTI_ALLOW;
-    wanted.threads = threads_of(of);
+    wanted.threads = of.threads;
     wanted.rank = of.rank;
     for (size_t i = 0; i < static_cast<size_t>(of.rank); ++i)
         wanted.sides[i] = {of.lengths[i], in.steps[i + 1], out.steps[i + 1]};
@@ -138,11 +138,35 @@ int32_t refusal(const descriptor &of)
                                                                              : DFTI_NO_ERROR;
 }
 
-template <transform_owner descriptor::*which>
-int32_t compute(DFTI_DESCRIPTOR *handle, void *x, void *second, void *third, void *fourth, void *)
+int32_t plan(const descriptor &of, bool forward, transform *&made)
+{
+    const problem wanted = problem_of(of, forward);
+    return of.module->make(&wanted, &made);
+}
+
+[[gnu::cold]] int32_t plan_backward(descriptor &of, const transform *&planned)
+{
+    transform *made = nullptr;
+    const int32_t status = plan(of, false, made);
+    if (status == DFTI_NO_ERROR)
+        planned = of.backward_transform.offer(made);
+    return status;
+}
+
+int32_t compute_forward(DFTI_DESCRIPTOR *handle, void *x, void *second, void *third, void *fourth, void *)
 {
     const auto *own = static_cast<const descriptor *>(handle);
-    return own->module->run((own->*which).get(), x, second, third, fourth);
+    return own->module->run(own->forward_transform.get(), x, second, third, fourth);
+}
+
+int32_t compute_backward(DFTI_DESCRIPTOR *handle, void *x, void *second, void *third, void *fourth, void *)
+{
+    auto *own = static_cast<descriptor *>(handle);
+    const transform *planned = own->backward_transform.get();
+    if (!planned) [[unlikely]]
+        if (const int32_t status = plan_backward(*own, planned))
+            return status;
+    return own->module->run(planned, x, second, third, fourth);
 }
 
 } // namespace
@@ -171,18 +195,14 @@ int32_t commit(descriptor &what)
     what.uncommit();
     if (const int32_t status = refusal(what))
         return status;
-    transform_owner made[2]{{nullptr, {what.module}}, {nullptr, {what.module}}};
-    for (const bool forward : {true, false}) {
-        const problem wanted = problem_of(what, forward);
-        transform *planned = nullptr;
-        if (const int32_t status = what.module->make(&wanted, &planned))
-            return status;
-        made[forward].reset(planned);
-    }
-    what.forward_transform = std::move(made[true]);
-    what.backward_transform = std::move(made[false]);
-    what.forward = compute<&descriptor::forward_transform>;
-    what.backward = compute<&descriptor::backward_transform>;
+    what.threads = threads_of(what);
+    transform *made = nullptr;
+    if (const int32_t status = plan(what, true, made))
+        return status;
+    what.forward_transform.reset(made);
+    what.backward_transform.reset(nullptr);
+    what.forward = compute_forward;
+    what.backward = compute_backward;
     const int32_t arrays = what.placement == DFTI_INPLACE ? 1 : 2;
     what.array_count = what.split() ? 2 * arrays : arrays;
     what.commit_status = DFTI_COMMITTED;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 namespace xkl::fft {
 namespace {
@@ -180,7 +181,7 @@ const xkl_dft_operations descriptor_operations = {
 descriptor::descriptor(const module_functions *opened, int32_t of_precision, int32_t of_domain,
                        int32_t dimensions, const int64_t *of_lengths)
     : DFTI_DESCRIPTOR(new_head(of_precision, of_domain, dimensions)), module(opened),
-      forward_transform(nullptr, {opened}), backward_transform(nullptr, {opened})
+      forward_transform(opened), backward_transform(opened)
 {
     std::copy_n(of_lengths, dimensions, lengths.begin());
 }

@@ -5,7 +5,7 @@
 #include "fft/transform_module.h"
 
 #include <array>
-#include <memory>
+#include <atomic>
 #include <new>
 #include <string>
 
@@ -14,12 +14,37 @@ namespace xkl::fft {
 // The module, opened by the first descriptor and never closed; null when it cannot be opened.
 const module_functions *transform_module();
 
-// A transform of the module, released through it.
-struct release_transform {
-    const module_functions *module;
-    void operator()(transform *made) const { module->release(made); }
+// Holds a transform of the module. The first thread that needs one may make it.
+class transform_holder {
+  public:
+    explicit transform_holder(const module_functions *module) : module_(module) {}
+    transform_holder(const transform_holder &) = delete;
+    transform_holder &operator=(const transform_holder &) = delete;
+    ~transform_holder() { reset(nullptr); }
+
+    const transform *get() const { return made_.load(std::memory_order_acquire); }
+
+    // Of several threads' transforms the first one stays.
+    const transform *offer(transform *made)
+    {
+        transform *first = nullptr;
+        if (made_.compare_exchange_strong(first, made, std::memory_order_acq_rel))
+            return made;
+        module_->release(made);
+        return first;
+    }
+
+    // Called by nobody while another thread computes.
+    void reset(transform *made)
+    {
+        if (transform *old = made_.exchange(made))
+            module_->release(old);
+    }
+
+  private:
+    const module_functions *module_;
+    std::atomic<transform *> made_{nullptr};
 };
-using transform_owner = std::unique_ptr<transform, release_transform>;
 
 using strides = std::array<int64_t, most_dimensions + 1>; // an offset, then one a dimension
 
@@ -53,7 +78,8 @@ struct descriptor : DFTI_DESCRIPTOR {
     int64_t thread_limit = 0;                     // 0 for none
     bool storage_set = false, format_set = false; // by the user; of the two, what is not set follows
     std::string name;
-    transform_owner forward_transform, backward_transform; // as last committed
+    int32_t threads = 1; // as the thread settings were at the last commit
+    transform_holder forward_transform, backward_transform; // as last committed
 };
 
 // Null for anything that is not a live descriptor.
@@ -71,7 +97,8 @@ int32_t copy(const descriptor &from, DFTI_DESCRIPTOR **handle);
 strides default_strides(const descriptor &of, bool forward_side);
 int64_t default_distance(const descriptor &of, bool forward_side);
 
-// Plans both directions; on any other status than 0 the descriptor stays uncommitted.
+// Plans forward, and leaves backward to its first use: many descriptors serve one direction only, and
+// planning takes longer than a transform. On any other status than 0 the descriptor stays uncommitted.
 int32_t commit(descriptor &what);
 
 int32_t set_integer(descriptor &of, int32_t parameter, int64_t value);

@@ -32,7 +32,7 @@ int32_t create_by_reference(DFTI_DESCRIPTOR **handle, const int32_t *precision, 
 {
     if (handle)
         *handle = nullptr;
-    if (!handle || !precision || !domain || !dimension || !lengths)
+    if (!handle || !precision || !domain || !dimension)
         return DFTI_INCONSISTENT_CONFIGURATION;
     return create(handle, *precision, *domain, *dimension, lengths);
 }
@@ -200,24 +200,5 @@ int32_t xkl_dft_dfti_error_message_external(const int32_t *status, char *text, i
     std::memcpy(text, message, used);
     std::memset(text + used, ' ', room - used);
     return DFTI_NO_ERROR;
-}
-
-// Transforms over several processes: this core has none.
-int32_t xkl_dft_dfti_commit_descriptor_dm(void *)
-{
-    return DFTI_UNIMPLEMENTED;
-}
-int32_t xkl_dft_dfti_create_descriptor_dm1(void *, void **, const int32_t *, const int32_t *,
-                                           const int64_t *, const int64_t *)
-{
-    return DFTI_UNIMPLEMENTED;
-}
-int32_t xkl_dft_dfti_set_value_dmi(void *const *, const int32_t *, const int64_t *)
-{
-    return DFTI_UNIMPLEMENTED;
-}
-int32_t xkl_dft_dfti_set_value_dmp(void *const *, const int32_t *, void *)
-{
-    return DFTI_UNIMPLEMENTED;
 }
 }

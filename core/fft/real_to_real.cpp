@@ -16,8 +16,7 @@ constexpr int32_t kinds_known = 11;
 
 struct real_transform {
     const module_functions *module;
-    transform_owner planned;
-    bool in_place;
+    transform_holder planned;
 };
 
 // Dimensions come with the slowest first.
@@ -68,12 +67,16 @@ int32_t xkl_dft_r2r_create(void **made, int32_t precision, int32_t rank, const i
     const module_functions *module = transform_module();
     if (!module)
         return DFTI_UNIMPLEMENTED;
+    auto *holder = new (std::nothrow) real_transform{module, transform_holder(module)};
+    if (!holder)
+        return DFTI_MEMORY_ERROR;
     transform *planned = nullptr;
-    if (const int32_t status = module->make(&wanted, &planned))
-        return status;
-    transform_owner owner(planned, {module});
-    *made = new (std::nothrow) real_transform{module, std::move(owner), in_place != 0};
-    return *made ? DFTI_NO_ERROR : DFTI_MEMORY_ERROR;
+    const int32_t status = module->make(&wanted, &planned);
+    holder->planned.reset(planned);
+    *made = holder;
+    if (status != DFTI_NO_ERROR)
+        xkl_dft_r2r_free(made);
+    return status;
 }
 
 int32_t xkl_dft_r2r_execute(void *planned, void *in, void *out)

@@ -46,6 +46,7 @@ class axes {
     }
 
     int count() const { return count_; }
+    axis &outermost() { return all_[static_cast<size_t>(count_ - 1)]; }
     const axis &operator[](int index) const { return all_[static_cast<size_t>(index)]; }
 
   private:

@@ -109,6 +109,25 @@ axes side_axes(const shaped_problem &shaped, int64_t transforms, bool input, boo
     return all;
 }
 
+// The same move by several threads, each with its part of the outermost axis.
+template <class T>
+void move_together(const axes &all, const T *from, T *to, T factor, int32_t threads)
+{
+    if (threads == 1 || all.count() == 0)
+        return move(all, from, to, factor);
+    const auto part = [&](int64_t index) {
+        axes mine = all;
+        axis &outer = mine.outermost();
+        const int64_t first = outer.length * index / threads, last = outer.length * (index + 1) / threads;
+        outer.length = last - first;
+        move(mine, from + first * outer.from, to + first * outer.to, factor);
+    };
+    host->run_loop(
+        threads,
+        [](const void *context, int64_t index) { (*static_cast<const decltype(part) *>(context))(index); },
+        &part);
+}
+
 // A number of transforms that FFTW computes at once, with the moves around them.
 template <class T>
 class chunk {
@@ -118,6 +137,7 @@ class chunk {
         through_in_ = chosen.through_in;
         through_out_ = chosen.through_out;
         transforms_ = transforms;
+        threads_ = chosen.plan_threads;
         work_each_ = shaped.work_stride(shaped.rank, 1);
         work_reals_ = work_each_ * transforms;
         for (int i = 0; i < shaped.batch_rank && shaped.what == operation::real_to_real; ++i)
@@ -142,7 +162,7 @@ class chunk {
         if (through_out_)
             store(of, at, work);
         else if (of.scale != 1)
-            move(store_, out, out, static_cast<T>(of.scale));
+            move_together(store_, out, out, static_cast<T>(of.scale), threads_);
         return status_done;
     }
 
@@ -156,9 +176,9 @@ class chunk {
                 packed.read(at.in + each * distance, work + each * work_each_);
             return;
         }
-        move(load_, at.in, work, T(1));
+        move_together(load_, at.in, work, T(1), threads_);
         if (at.in_imaginary)
-            move(load_, at.in_imaginary, work + 1, T(1));
+            move_together(load_, at.in_imaginary, work + 1, T(1), threads_);
     }
 
     void store(const shaped_problem &of, const arrays<T> &at, const T *work) const
@@ -171,9 +191,9 @@ class chunk {
                 packed.write(work + each * work_each_, at.out + each * distance, scale);
             return;
         }
-        move(store_, work, at.out, scale);
+        move_together(store_, work, at.out, scale, threads_);
         if (at.out_imaginary)
-            move(store_, work + 1, at.out_imaginary, scale);
+            move_together(store_, work + 1, at.out_imaginary, scale, threads_);
     }
 
     plan_pair plans_;
@@ -182,6 +202,7 @@ class chunk {
     int64_t work_each_ = 0; // reals of the workspace for one transform
     int64_t work_reals_ = 0;
     bool through_in_ = false, through_out_ = false;
+    int32_t threads_ = 1; // within the chunk
 };
 
 // A workspace while a call lasts. One is kept for the next call; calls at the same time make their own.
