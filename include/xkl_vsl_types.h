@@ -17,26 +17,25 @@ typedef void *VSLCorrTaskPtr;
 
 /* Basic generators. Which of them the kernel library in use has, vslNewStream tells: those that it lacks get
  * VSL_RNG_ERROR_INVALID_BRNG_INDEX or VSL_RNG_ERROR_BRNG_NOT_SUPPORTED. */
-#define VSL_BRNG_SHIFT 20
-#define VSL_BRNG_INC (1 << VSL_BRNG_SHIFT)               /* distance of identifiers; the room of a family */
-#define VSL_BRNG_MCG31 VSL_BRNG_INC                      /* multiplicative congruential, modulus 2^31-1 */
-#define VSL_BRNG_R250 (VSL_BRNG_MCG31 + VSL_BRNG_INC)    /* generalised feedback shift register (250,103) */
-#define VSL_BRNG_MRG32K3A (VSL_BRNG_R250 + VSL_BRNG_INC) /* two combined recursions of order 3 */
-#define VSL_BRNG_MCG59 (VSL_BRNG_MRG32K3A + VSL_BRNG_INC) /* multiplicative congruential, modulus 2^59 */
-#define VSL_BRNG_WH (VSL_BRNG_MCG59 + VSL_BRNG_INC)      /* Wichmann-Hill; members VSL_BRNG_WH + 0 to 272 */
-#define VSL_BRNG_SOBOL (VSL_BRNG_WH + VSL_BRNG_INC)      /* Sobol's quasi-random sequence */
-#define VSL_BRNG_NIEDERR (VSL_BRNG_SOBOL + VSL_BRNG_INC) /* Niederreiter's quasi-random sequence */
-#define VSL_BRNG_MT19937 (VSL_BRNG_NIEDERR + VSL_BRNG_INC)     /* Mersenne twister */
-#define VSL_BRNG_MT2203 (VSL_BRNG_MT19937 + VSL_BRNG_INC)      /* small twisters; members + 0 to 6023 */
-#define VSL_BRNG_IABSTRACT (VSL_BRNG_MT2203 + VSL_BRNG_INC)    /* of a stream over the caller's integers, */
-#define VSL_BRNG_DABSTRACT (VSL_BRNG_IABSTRACT + VSL_BRNG_INC) /* doubles, */
-#define VSL_BRNG_SABSTRACT                                                                                 \
-    (VSL_BRNG_DABSTRACT + VSL_BRNG_INC) /* or floats; vslNewStream refuses all three */
-#define VSL_BRNG_SFMT19937 (VSL_BRNG_SABSTRACT + VSL_BRNG_INC) /* Mersenne twister made for vector units */
-#define VSL_BRNG_NONDETERM                                                                                 \
-    (VSL_BRNG_SFMT19937 + VSL_BRNG_INC)                   /* the processor's own noise: never the same */
-#define VSL_BRNG_ARS5 (VSL_BRNG_NONDETERM + VSL_BRNG_INC) /* counter-based, five rounds of AES */
-#define VSL_BRNG_PHILOX4X32X10 (VSL_BRNG_ARS5 + VSL_BRNG_INC) /* counter-based, ten rounds */
+#define VSL_BRNG_SHIFT 20       /* bits of the room that a family has, */
+#define VSL_BRNG_INC 0x00100000 /* which is the distance of identifiers */
+
+#define VSL_BRNG_MCG31 0x00100000         /* multiplicative congruential, modulus 2^31-1 */
+#define VSL_BRNG_R250 0x00200000          /* generalised feedback shift register (250,103) */
+#define VSL_BRNG_MRG32K3A 0x00300000      /* two combined recursions of order 3 */
+#define VSL_BRNG_MCG59 0x00400000         /* multiplicative congruential, modulus 2^59 */
+#define VSL_BRNG_WH 0x00500000            /* Wichmann-Hill; members VSL_BRNG_WH + 0 to 272 */
+#define VSL_BRNG_SOBOL 0x00600000         /* Sobol's quasi-random sequence */
+#define VSL_BRNG_NIEDERR 0x00700000       /* Niederreiter's quasi-random sequence */
+#define VSL_BRNG_MT19937 0x00800000       /* Mersenne twister */
+#define VSL_BRNG_MT2203 0x00900000        /* small twisters; members VSL_BRNG_MT2203 + 0 to 6023 */
+#define VSL_BRNG_IABSTRACT 0x00a00000     /* of a stream over the caller's integers, doubles */
+#define VSL_BRNG_DABSTRACT 0x00b00000     /* or floats: vslGetStreamStateBrng gives these three, */
+#define VSL_BRNG_SABSTRACT 0x00c00000     /* and vslNewStream refuses them */
+#define VSL_BRNG_SFMT19937 0x00d00000     /* Mersenne twister made for vector units */
+#define VSL_BRNG_NONDETERM 0x00e00000     /* the processor's own noise: never the same */
+#define VSL_BRNG_ARS5 0x00f00000          /* counter-based, five rounds of AES */
+#define VSL_BRNG_PHILOX4X32X10 0x01000000 /* counter-based, ten rounds */
 
 #define VSL_WH_MEMBERS 273      /* members of the Wichmann-Hill family */
 #define VSL_MT2203_MEMBERS 6024 /* members of the MT2203 family */
@@ -51,8 +50,8 @@ typedef void *VSLCorrTaskPtr;
  * rounding; it may be added where a name with _ACCURATE stands below. */
 #define VSL_RNG_METHOD_ACCURACY_FLAG (1 << 30)
 
-#define VSL_RNG_METHOD_UNIFORM_STD                                                                         \
-    0 /* v?RngUniform: a + (b-a)*u, u in [0,1); viRngUniform: its integer part */
+/* v?RngUniform: a + (b-a)*u with u in [0,1); viRngUniform: its integer part */
+#define VSL_RNG_METHOD_UNIFORM_STD 0
 #define VSL_RNG_METHOD_UNIFORM_STD_ACCURATE (VSL_RNG_METHOD_UNIFORM_STD | VSL_RNG_METHOD_ACCURACY_FLAG)
 #define VSL_RNG_METHOD_UNIFORMBITS_STD 0   /* the words of the generator's recurrence */
 #define VSL_RNG_METHOD_UNIFORMBITS32_STD 0 /* 32 uniform bits */
