@@ -59,25 +59,33 @@ int32_t gamma(stream &s, int64_t n, R *r, double alpha, double a, double beta)
                              : gamma_from_one(s, n, r, shape, a, beta);
 }
 
-/// Cheng's BB if both shapes are above 1, else his BC; in the terms of beta_candidates
+/// Cheng's BB if both shapes are above 1, else his BC
 template <class R>
 int32_t beta(stream &s, int64_t n, R *r, double p, double q, double displacement, double scale)
 {
-    if (!std::isfinite(p + q))
+    if (!std::isfinite(p) || !std::isfinite(q))
         return not_numbers(n, r);
-    const double low = std::min(p, q), high = std::max(p, q), sum = p + q;
-    const bool both_above_one = low > 1;
-    const double a = both_above_one ? low : high, b = both_above_one ? high : low;
-    // Of BB it is sqrt((2*a*b - a - b)/(a + b - 2)), for shapes near 1 and for large ones.
-    const double inverse =
-        both_above_one
-            ? std::sqrt((a / sum * (b - 1) + b / sum * (a - 1)) / ((a - 1) / sum + (b - 1) / sum))
-            : b;
+    // Beyond this the distribution is narrower than the last digits of its mean, which the ratio alone decides.
+    constexpr double largest = 1e28;
+    const bool complement = p > q;
+    double low = std::min(p, q), high = std::max(p, q);
+    if (low > largest) {
+        high *= largest / low;
+        low = largest;
+    }
+    double slope = std::max(-1 / low, -1e300), c = 0;
+    if (low > 1) { // 1/slope is sqrt((2*low*high - low - high)/(low + high - 2)), for any shapes
+        const double sum = low + high,
+                     inverse = std::sqrt((low / sum * (high - 1) + high / sum * (low - 1)) /
+                                         ((low - 1) / sum + (high - 1) / sum));
+        slope = 1 / inverse;
+        c = low + inverse;
+    }
     const auto transform = current_candidates().beta;
     return by_rejection<2>(
         s, n,
         [&](int32_t count, const double *u, double *y) {
-            transform(count, u, y, a, b, std::min(1 / inverse, 1e300), a + inverse, a != p);
+            transform(count, u, y, low, high, slope, c, complement);
         },
         [&](int64_t i, double y) { r[i] = static_cast<R>(displacement + scale * y); });
 }

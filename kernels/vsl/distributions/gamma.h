@@ -31,9 +31,12 @@ inline double gamma_number(uniform_reader &u, const gamma_shape &shape)
     constexpr double turn = 6.283185307179586;
     while (u.may_try()) {
         const double radius = std::sqrt(-2 * std::log(u.next())), x = radius * std::sin(turn * u.next()),
-                     uniform = u.next(), root = 1 + shape.c * x, v = root * root * root;
-        if (root > 0 && std::log(uniform) < .5 * x * x + shape.d * (1 - v + std::log(v)))
-            return shape.d * v * (shape.below_one() ? shape.power_of(u.next()) : 1);
+                     uniform = u.next(), y = shape.c * x, root = 1 + y;
+        if (root <= 0)
+            continue;
+        const double bound = .5 * x * x + shape.d * (3 * std::log1p(y) - y * (3 + y * (3 + y)));
+        if (std::log(uniform) < bound)
+            return shape.d * (root * root * root) * (shape.below_one() ? shape.power_of(u.next()) : 1);
     }
     return 0;
 }

@@ -30,7 +30,7 @@ struct transforms {
 /// Two uniform numbers for each candidate; -1 is a refused one.
 struct candidate_transforms {
     transform<double, double, double> gamma;                      // d, c
-    transform<double, double, double, double, double, bool> beta; // a, b, beta, gamma, complement
+    transform<double, double, double, double, double, bool> beta; // low, high, slope, c, complement
 };
 
 // The tables of each set: filled by the compiler, never written.

@@ -14,33 +14,38 @@ struct gamma_candidates {
 
     XKL_HOT vec<double> value(vec<double> u1, vec<double> u2) const
     {
-        const vec<double> x = normal_quantile(u1), root = 1 + c * x, cube = root * root * root;
+        const vec<double> x = normal_quantile(u1), y = c * x, root = 1 + y;
         const auto positive = root > 0;
-        const vec<double> v = positive ? cube : broadcast(1.);
-        const vec<double> bound = .5 * x * x + d * (1 - v + logarithm(v));
-        return positive & (logarithm(u2) < bound) ? d * v : broadcast(-1.);
+        // d*(1 - v + log(v)) of v = root**3, such that large shapes lose no digits
+        const vec<double> bound =
+            .5 * x * x + d * (3 * sleef::log1p_u10(positive ? y : V{}) - y * (3 + y * (3 + y)));
+        return positive & (logarithm(u2) < bound) ? d * (root * root * root) : broadcast(-1.);
     }
+
+  private:
+    using V = vec<double>;
 };
 
-/// Beta distribution with shapes a and b (R. C. H. Cheng, Generating beta variates with nonintegral shape
-/// parameters, 1978). His algorithms BB and BC differ in what a, b and beta are; all their quick decisions follow
-/// from this one. Exponentials are of negative numbers only: W = a*exp(V) may be too large for a number.
-/// Gives the share of W, or what is left of it.
+/// Beta distribution (R. C. H. Cheng, Generating beta variates with nonintegral shape parameters, 1978). His
+/// algorithms BB and BC are one here, for all their quick decisions follow from the last one, which in terms of
+/// the smaller shape reads
+///   c*t - (low + high)*log1p(low/(low + high)*expm1(t)) - log(4) >= log(u1*u1*u2),  t = slope*log(u1/(1 - u1))
+/// with a slope below 0 and c = 0 for BC. Gives low*e**t/(high + low*e**t), which has the distribution if low
+/// is the first shape, or what that lacks of 1.
 struct beta_candidates {
-    double a, b, beta, gamma;
+    double low, high, slope, c;
     bool complement;
 
     XKL_HOT vec<double> value(vec<double> u1, vec<double> u2) const
     {
-        const vec<double> v = beta * (logarithm(u1) - logarithm(1 - u1)), e = sleef::exp_u10(-absolute(v));
-        const auto large = v > 0;
-        const vec<double> of_a = large ? broadcast(a) : a * e, of_b = large ? b * e : broadcast(b);
-        const vec<double> sum = of_a + of_b, alpha = broadcast(a + b);
-        // gamma*V + alpha*log(alpha/(b + W)) - log(4) >= log(u1*u1*u2)
-        const vec<double> ratio = logarithm(alpha / sum),
-                          excess = (large ? (gamma - alpha) * v : gamma * v) + alpha * ratio;
+        const vec<double> t = slope * (logarithm(u1) - logarithm(1 - u1));
+        const double sum = low + high;
+        const vec<double> excess = c * t - sum * sleef::log1p_u10(low / sum * sleef::expm1_u10(t));
         const auto accepted = excess - 0x1.62e42fefa39efp+0 >= logarithm(u1 * u1 * u2);
-        return accepted ? (complement ? of_b : of_a) / sum : broadcast(-1.);
+        const vec<double> e = sleef::exp_u10(-absolute(t)); // e**t may be too large for a number
+        const vec<double> of_low = t > 0 ? broadcast(low) : low * e,
+                          of_high = t > 0 ? high * e : broadcast(high);
+        return accepted ? (complement ? of_high : of_low) / (of_low + of_high) : broadcast(-1.);
     }
 };
 
