@@ -40,12 +40,12 @@ int32_t open_uniform(stream &s, int32_t n, double *r) noexcept;
 int32_t open_uniform(stream &s, int32_t n, float *r) noexcept;
 
 /// Elements as the generator makes them, each in words_of(s) 32-bit words, the lowest first.
-/// VSL_RNG_ERROR_BRNG_NOT_SUPPORTED where there are none (abstract streams of real numbers).
+/// VSL_ERROR_FEATURE_NOT_IMPLEMENTED where there are none (abstract streams of real numbers).
 int32_t native_bits(stream &s, int32_t n, uint32_t *r) noexcept;
 int32_t words_of(const stream &s) noexcept;
 
 /// Uniform 32-bit words, one element each, and 64-bit ones, of two elements, the first one low.
-/// VSL_RNG_ERROR_BRNG_NOT_SUPPORTED where an element's bits are not all random and of equal weight.
+/// VSL_ERROR_FEATURE_NOT_IMPLEMENTED where an element's bits are not all random and of equal weight.
 int32_t bits32(stream &s, int32_t n, uint32_t *r) noexcept;
 int32_t bits64(stream &s, int32_t n, uint64_t *r) noexcept;
 

@@ -295,7 +295,7 @@ TEST(DistributionRules, BitsAreTheGeneratorsOwn)
     for (size_t i = 0; i < 4; ++i)
         EXPECT_EQ(pairs[i], words[2 * i] | static_cast<uint64_t>(words[2 * i + 1]) << 32);
     stream numbers(std::vector<double>(64, .5), again);
-    EXPECT_EQ(kernel32(0, numbers.handle(), 8, bits.data()), VSL_RNG_ERROR_BRNG_NOT_SUPPORTED);
+    EXPECT_EQ(kernel32(0, numbers.handle(), 8, bits.data()), VSL_ERROR_FEATURE_NOT_IMPLEMENTED);
 }
 
 } // namespace

@@ -1,0 +1,60 @@
+// MT19937 (Matsumoto and Nishimura, 1998), with the authors' initialisation of 2002.
+//
+// Seeds: one word is their init_genrand, two and more their init_by_array with all words.
+#include "vsl/bit_blocks.h"
+
+#include <algorithm>
+
+namespace xkl::vsl {
+
+namespace {
+
+struct mt19937 {
+    static constexpr int32_t size = 624;
+
+    static void seed_by_word(uint32_t *x, uint32_t seed) noexcept
+    {
+        x[0] = seed;
+        for (uint32_t i = 1; i < size; ++i)
+            x[i] = 1812433253u * (x[i - 1] ^ (x[i - 1] >> 30)) + i;
+    }
+
+    static void seed(uint32_t *x, seed_words seeds) noexcept
+    {
+        if (seeds.size() < 2) {
+            seed_by_word(x, seed_word(seeds, 0));
+            return;
+        }
+        seed_by_word(x, 19650218);
+        int32_t i = 1;
+        const auto mixed = [&](uint32_t factor) { return x[i] ^ ((x[i - 1] ^ (x[i - 1] >> 30)) * factor); };
+        const auto next = [&] {
+            if (++i == size) {
+                x[0] = x[size - 1];
+                i = 1;
+            }
+        };
+        size_t j = 0;
+        for (size_t k = std::max<size_t>(size, seeds.size()); k > 0; --k) {
+            x[i] = mixed(1664525) + seeds[j] + static_cast<uint32_t>(j);
+            next();
+            j = j + 1 == seeds.size() ? 0 : j + 1;
+        }
+        for (int32_t k = size - 1; k > 0; --k) {
+            x[i] = mixed(1566083941) - static_cast<uint32_t>(i);
+            next();
+        }
+        x[0] = 0x80000000;
+    }
+
+    static void refill(uint32_t *x) noexcept { simd().mt19937_refill(x); }
+    static void read(int32_t n, const uint32_t *x, uint32_t *r) noexcept { simd().mt19937_temper(n, x, r); }
+};
+
+} // namespace
+
+const engine mt19937_engine = engine_of<bit_blocks<mt19937>>(
+    VSL_BRNG_MT19937, 1 << 20,
+    {.word_bytes = 4, .bits = 32, .uniform_bits = true, .includes_zero = true, .unit = 0x1p-32});
+
+} // namespace xkl::vsl

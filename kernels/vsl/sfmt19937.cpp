@@ -1,0 +1,81 @@
+// SFMT19937 (Saito and Matsumoto, 2008): a Mersenne twister over words of 128 bits, read as 32-bit words.
+//
+// Seeds: one word is the authors' init_gen_rand, two and more their init_by_array with all words.
+#include "vsl/bit_blocks.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace xkl::vsl {
+
+namespace {
+
+struct sfmt19937 {
+    static constexpr int32_t size = 624;
+
+    static void seed_by_word(uint32_t *x, uint32_t seed) noexcept
+    {
+        x[0] = seed;
+        for (uint32_t i = 1; i < size; ++i)
+            x[i] = 1812433253u * (x[i - 1] ^ (x[i - 1] >> 30)) + i;
+    }
+
+    static void seed_by_array(uint32_t *x, seed_words seeds) noexcept
+    {
+        constexpr int32_t lag = 11, middle = (size - lag) / 2;
+        std::memset(x, 0x8b, size * sizeof *x);
+        int32_t i = 0;
+        // One step at place i; `fresh` is what it adds (or takes away) beside the place's own number.
+        const auto step = [&](bool adding, uint32_t fresh) {
+            uint32_t &here = x[i], &near = x[(i + middle) % size], &far = x[(i + middle + lag) % size];
+            const uint32_t before = x[(i + size - 1) % size];
+            const uint32_t mixed = adding ? here ^ near ^ before : here + near + before;
+            uint32_t r = (mixed ^ (mixed >> 27)) * (adding ? 1664525u : 1566083941u);
+            adding ? near += r : near ^= r;
+            r = adding ? r + fresh : r - fresh;
+            adding ? far += r : far ^= r;
+            here = r;
+            i = (i + 1) % size;
+        };
+        const size_t count = std::max<size_t>(seeds.size() + 1, size);
+        step(true, static_cast<uint32_t>(seeds.size()));
+        for (size_t j = 0; j + 1 < count; ++j)
+            step(true, (j < seeds.size() ? seeds[j] : 0) + static_cast<uint32_t>(i));
+        for (int32_t j = 0; j < size; ++j)
+            step(false, static_cast<uint32_t>(i));
+    }
+
+    /// The full period is that of a state which has odd parity under this mask.
+    static void certify_period(uint32_t *x) noexcept
+    {
+        constexpr uint32_t mask[4] = {1, 0, 0, 0x13c9e684};
+        uint32_t parity = 0;
+        for (int i = 0; i < 4; ++i)
+            parity ^= x[i] & mask[i];
+        if (__builtin_parity(parity) == 0)
+            x[0] ^= 1;
+    }
+
+    static void seed(uint32_t *x, seed_words seeds) noexcept
+    {
+        if (seeds.size() < 2)
+            seed_by_word(x, seed_word(seeds, 0));
+        else
+            seed_by_array(x, seeds);
+        certify_period(x);
+    }
+
+    static void refill(uint32_t *x) noexcept { simd().sfmt19937_refill(x); }
+    static void read(int32_t n, const uint32_t *x, uint32_t *r) noexcept
+    {
+        std::memcpy(r, x, static_cast<size_t>(n) * sizeof *r);
+    }
+};
+
+} // namespace
+
+const engine sfmt19937_engine = engine_of<bit_blocks<sfmt19937>>(
+    VSL_BRNG_SFMT19937, 1 << 20,
+    {.word_bytes = 4, .bits = 32, .uniform_bits = true, .includes_zero = true, .unit = 0x1p-32});
+
+} // namespace xkl::vsl
