@@ -39,6 +39,12 @@ inline int limit_set(int set)
 }
 constexpr int newest_set = 2;
 
+/// A caller's buffer that is read again and again as it is
+inline int repeat(VSLStreamStatePtr, int *, double *, int *, int *most, int *)
+{
+    return *most;
+}
+
 /// A stream that ends with its scope
 class stream {
   public:
@@ -48,8 +54,8 @@ class stream {
         if (make(&handle_, generator, 1, &seed) < 0)
             throw std::runtime_error("no stream");
     }
-    /// Over the caller's numbers of [0, 1), which `refill` brings
-    stream(const std::vector<double> &numbers, dUpdateFuncPtr refill)
+    /// Over the caller's numbers of [0, 1)
+    explicit stream(const std::vector<double> &numbers, dUpdateFuncPtr refill = repeat)
     {
         const auto make = kernel<int32_t(void **, int32_t, const double *, double, double, dUpdateFuncPtr)>(
             "__vsldNewAbstractStream");

@@ -236,7 +236,7 @@ TEST(Continuous, InversesAreThoseOfBoost)
     for (int set = 0; set <= newest_set && limit_set(set) == set; ++set)
         for (const inverse_case &each : cases) {
             SCOPED_TRACE(each.name);
-            stream s(u, nullptr), uniform(u, nullptr);
+            stream s(u);
             const std::vector<double> r = drawn(with<double>(each.name, each.method, 1., 2.), s, n);
             for (size_t i = 0; i < u.size();
                  ++i) { // the open interval's numbers are half a step apart from u

@@ -248,7 +248,7 @@ TEST(Discrete, PoissonByNormalNumbersIsTheInverseFunction)
     }
     for (const double rate : {.5, 9., 10., 11.5, 100., 12345.6, 1e7}) {
         const bm::poisson law(rate);
-        stream s(u, nullptr);
+        stream s(u);
         const auto r = drawn(with<int32_t>("Poisson", 1, rate), s, static_cast<int32_t>(u.size()));
         for (size_t i = 0; i < u.size(); ++i) { // the stream's number is at most half a step from u
             EXPECT_GE(bm::cdf(law, r[i]), u[i] - 0x1p-33) << rate;
