@@ -99,10 +99,10 @@ struct quasi {
         const uint128 along =
             alone ? word_of(count, 0) : static_cast<uint128>(word_of(count, 0)) + coordinate;
         const uint128 target = point + (alone ? along : along / dimension);
-        if (target > last_point + 1)
+        const auto target_coordinate = static_cast<uint32_t>(alone ? coordinate : along % dimension);
+        if (target > last_point + 1 || (target == last_point + 1 && !alone && target_coordinate > 0))
             return VSL_RNG_ERROR_QRNG_PERIOD_ELAPSED;
-        if (!alone)
-            coordinate = static_cast<uint32_t>(along % dimension);
+        coordinate = target_coordinate;
         go_to(static_cast<uint64_t>(target));
         return VSL_STATUS_OK;
     }

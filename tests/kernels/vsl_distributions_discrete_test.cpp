@@ -1,5 +1,5 @@
-// Discrete distributions against Boost.Math's distribution functions: a chi-square test and the mean, at fixed
-// seeds.
+// Discrete distributions against Boost.Math's distribution functions: a chi-square test and the mean, at
+// fixed seeds.
 #include "vsl_distributions.h"
 
 #include <boost/math/distributions.hpp>

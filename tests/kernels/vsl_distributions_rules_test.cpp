@@ -1,5 +1,5 @@
-// What holds for all distributions: where they write, how many numbers they take from their stream, and what
-// becomes of a failure of the stream.
+// What holds for all distributions: where they write, how many numbers they take from their stream, and
+// what becomes of a failure of the stream.
 #include "vsl_distributions.h"
 
 #include <limits>
@@ -250,8 +250,8 @@ TEST(DistributionRules, LongVectors)
         ASSERT_NEAR(r[i], z[i], 1e-13);
 }
 
-/// Quasi-random numbers stay evenly spread: each coordinate of 1,024 points is within 2/1024 of its law, where random
-/// numbers are some 30/1024 off.
+/// Quasi-random numbers stay evenly spread: each coordinate of 1,024 points is within 2/1024 of its law,
+/// where random numbers are some 30/1024 off.
 TEST(DistributionRules, InverseFunctionsKeepQuasiRandomNumbersEven)
 {
     constexpr int32_t points = 1024;

@@ -45,8 +45,8 @@ bool are_probabilities(const double *p, int32_t classes)
     return std::fabs(sum - 1) <= tolerance;
 }
 
-/// One row: each class has its binomial share of the trials that those before it left. The last class that has
-/// a probability takes the rest, whatever rounding made of the probabilities' sum.
+/// One row: each class has its binomial share of the trials that those before it left. The last class that
+/// has a probability takes the rest, whatever rounding made of the probabilities' sum.
 void multinomial_row(uniform_reader &u, int32_t *row, int32_t trials, int32_t classes, int32_t last,
                      const double *p)
 {

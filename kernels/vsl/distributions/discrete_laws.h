@@ -1,6 +1,6 @@
-// Discrete distributions whose probabilities follow from each other, with small means: by adding up from 0 on.
-// One uniform number a result. A law has `start()`, the probability of 0, `after(p, k)`, that of k + 1 from
-// that of k, and `last`, the largest result.
+// Discrete distributions whose probabilities follow from each other, with small means: by adding up from 0
+// on. One uniform number a result. A law has `start()`, the probability of 0, `after(p, k)`, that of k + 1
+// from that of k, and `last`, the largest result.
 #pragma once
 
 #include "vsl/distributions/log_factorial.h"

@@ -1,7 +1,7 @@
 // What the distributions share: how a kernel draws its uniform numbers. Everything is done in blocks on the
 // stack, and never more numbers are drawn than the results take: so a stream goes on right behind the last
-// one used, and two calls for n and m numbers give what one call for n + m gives, but for Box and Muller's second rule
-// when n is odd.
+// one used, and two calls for n and m numbers give what one call for n + m gives, but for Box and Muller's
+// second rule when n is odd.
 #pragma once
 
 #include "vsl/stream.h"
@@ -16,7 +16,8 @@ namespace xkl::vsl {
 
 constexpr int64_t block = 512; // numbers at a time: even, for those that come in pairs
 
-/// The method itself; the flag that wants results inside of the bounds changes nothing, no rule here leaves them
+/// The method itself; the flag that wants results inside of the bounds changes nothing, no rule here leaves
+/// them
 constexpr int32_t without_flag(int32_t method)
 {
     return method & ~VSL_RNG_METHOD_ACCURACY_FLAG;
@@ -57,8 +58,8 @@ int32_t by_inversion(void *handle, int64_t n, R *r, Transform transform, P... pa
     });
 }
 
-// As often a number is refused before a call gives up: a stream that repeats itself, or no number of a caller's
-// generator being any good, shall not hang it.
+// As often a number is refused before a call gives up: a stream that repeats itself, or no number of a
+// caller's generator being any good, shall not hang it.
 constexpr int32_t patience = 100000;
 
 /// Numbers that a rejection method makes. propose(count, u, y) makes of PerCandidate uniform numbers in

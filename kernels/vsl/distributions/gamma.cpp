@@ -65,7 +65,8 @@ int32_t beta(stream &s, int64_t n, R *r, double p, double q, double displacement
 {
     if (!std::isfinite(p) || !std::isfinite(q))
         return not_numbers(n, r);
-    // Beyond this the distribution is narrower than the last digits of its mean, which the ratio alone decides.
+    // Beyond this the distribution is narrower than the last digits of its mean, which the ratio alone
+    // decides.
     constexpr double largest = 1e28;
     const bool complement = p > q;
     double low = std::min(p, q), high = std::max(p, q);

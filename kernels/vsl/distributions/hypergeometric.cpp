@@ -7,8 +7,8 @@ using namespace xkl::vsl;
 
 namespace {
 
-/// By the ratio of uniform numbers (E. Stadlober, The ratio of uniforms approach for generating discrete random
-/// variates, 1990, HRUA): two a try. The sample and the marked ones are at most half of all.
+/// By the ratio of uniform numbers (E. Stadlober, The ratio of uniforms approach for generating discrete
+/// random variates, 1990, HRUA): two a try. The sample and the marked ones are at most half of all.
 class ratio_of_uniforms {
   public:
     ratio_of_uniforms(double all, double sample, double marked)

@@ -20,8 +20,9 @@ double distribution_function(double k, double mean)
 
 } // namespace
 
-// A normal number's polynomial approximates the inverse function so well that the exact one is asked only near
-// its steps (M. B. Giles, Approximation of the inverse Poisson cumulative distribution function, 2016).
+// A normal number's polynomial approximates the inverse function so well that the exact one is asked only
+// near its steps (M. B. Giles, Approximation of the inverse Poisson cumulative distribution function,
+// 2016).
 int32_t poisson_quantile(double u, double w, double mean)
 {
     if (mean >= too_large_mean)
@@ -66,18 +67,16 @@ int32_t poisson(int32_t method, stream &s, int32_t n, int32_t *r, double rate)
 {
     if (!(rate > 0))
         return VSL_ERROR_BADARGS;
-    switch (without_flag(method)) {
-    case VSL_RNG_METHOD_POISSON_PTPE:
-        if (rate < small_mean)
-            return sample(s, n, r, sums_of_law(poisson_law{rate}));
-        if (rate >= too_large_mean)
-            return sample(s, n, r, [rate](uniform_reader &u) { return poisson_number(u, rate); });
-        return sample(s, n, r, poisson_rejection(rate));
-    case VSL_RNG_METHOD_POISSON_POISNORM:
-        return by_normal_numbers(s, n, r, [rate](int64_t) { return rate; });
-    default:
+    const int32_t plain = without_flag(method);
+    if (plain != VSL_RNG_METHOD_POISSON_PTPE && plain != VSL_RNG_METHOD_POISSON_POISNORM)
         return VSL_ERROR_BADARGS;
-    }
+    if (rate < small_mean) // the inverse function is the fastest of all
+        return sample(s, n, r, sums_of_law(poisson_law{rate}));
+    if (plain == VSL_RNG_METHOD_POISSON_POISNORM)
+        return by_normal_numbers(s, n, r, [rate](int64_t) { return rate; });
+    if (rate >= too_large_mean)
+        return sample(s, n, r, [rate](uniform_reader &u) { return poisson_number(u, rate); });
+    return sample(s, n, r, poisson_rejection(rate));
 }
 
 } // namespace

@@ -16,7 +16,8 @@ inline int32_t poisson_number(uniform_reader &u, double mean)
     return mean < small_mean ? add_up(poisson_law{mean}, u.next()) : poisson_rejection(mean)(u);
 }
 
-/// The result for one uniform number u, whose normal number is w: what the inverse distribution function gives
+/// The result for one uniform number u, whose normal number is w: what the inverse distribution function
+/// gives
 int32_t poisson_quantile(double u, double w, double mean);
 
 } // namespace xkl::vsl

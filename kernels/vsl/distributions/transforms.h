@@ -1,6 +1,6 @@
-// The parts of the distributions that are compiled once per instruction set: from vectors of uniform numbers in
-// (0, 1) to vectors of numbers of a distribution. Everything around them (parameters, blocks, drawing from the
-// stream) is compiled once for all. The last bits of a result may differ between the sets.
+// The parts of the distributions that are compiled once per instruction set: from vectors of uniform
+// numbers in (0, 1) to vectors of numbers of a distribution. Everything around them (parameters, blocks,
+// drawing from the stream) is compiled once for all. The last bits of a result may differ between the sets.
 #pragma once
 
 #include "vsl/instruction_set.h"

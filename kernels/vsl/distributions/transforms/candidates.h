@@ -7,8 +7,8 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
-/// Gamma distribution of shape d + 1/3 >= 1, c = 1/sqrt(9*d): the cube of a normal number (G. Marsaglia, W. W.
-/// Tsang, A simple method for generating gamma variables, 2000)
+/// Gamma distribution of shape d + 1/3 >= 1, c = 1/sqrt(9*d): the cube of a normal number (G. Marsaglia, W.
+/// W. Tsang, A simple method for generating gamma variables, 2000)
 struct gamma_candidates {
     double d, c;
 
@@ -26,12 +26,13 @@ struct gamma_candidates {
     using V = vec<double>;
 };
 
-/// Beta distribution (R. C. H. Cheng, Generating beta variates with nonintegral shape parameters, 1978). His
-/// algorithms BB and BC are one here, for all their quick decisions follow from the last one, which in terms of
-/// the smaller shape reads
-///   c*t - (low + high)*log1p(low/(low + high)*expm1(t)) - log(4) >= log(u1*u1*u2),  t = slope*log(u1/(1 - u1))
-/// with a slope below 0 and c = 0 for BC. Gives low*e**t/(high + low*e**t), which has the distribution if low
-/// is the first shape, or what that lacks of 1.
+/// Beta distribution (R. C. H. Cheng, Generating beta variates with nonintegral shape parameters, 1978).
+/// His algorithms BB and BC are one here, for all their quick decisions follow from the last one, which in
+/// terms of the smaller shape reads
+///   c*t - (low + high)*log1p(low/(low + high)*expm1(t)) - log(4) >= log(u1*u1*u2)
+/// with t = slope*log(u1/(1 - u1)),
+/// with a slope below 0 and c = 0 for BC. Gives low*e**t/(high + low*e**t), which has the distribution if
+/// low is the first shape, or what that lacks of 1.
 struct beta_candidates {
     double low, high, slope, c;
     bool complement;

@@ -1,5 +1,6 @@
-// Sine and cosine of a part of a turn, for Box and Muller's two coordinates and Cauchy's quotient. The angle is
-// a fraction already, so there is nothing to reduce, which makes this faster than a sine of any argument.
+// Sine and cosine of a part of a turn, for Box and Muller's two coordinates and Cauchy's quotient. The
+// angle is a fraction already, so there is nothing to reduce, which makes this faster than a sine of any
+// argument.
 #pragma once
 
 #include "vsl/distributions/transforms/loop.h"

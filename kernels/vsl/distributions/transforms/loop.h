@@ -1,7 +1,7 @@
 // How a transform of a register becomes one of a vector. A transform is an object F, built from the
-// distribution's parameters, with `value(u)`: the numbers that one register of uniform ones in (0, 1) gives. The last
-// register of a vector is filled up and goes through the same code, so a number doesn't depend on how
-// many come with it. Results may overwrite arguments in place.
+// distribution's parameters, with `value(u)`: the numbers that one register of uniform ones in (0, 1)
+// gives. The last register of a vector is filled up and goes through the same code, so a number doesn't
+// depend on how many come with it. Results may overwrite arguments in place.
 #pragma once
 
 #include "base_library.h"
