@@ -1,41 +1,19 @@
-// Random streams and distributions of the kernel library, called as its frames call them.
+// Distributions of the kernel library, called as their frames call them.
 #pragma once
 
-#include "xkl_vsl_types.h"
-
-#include <gtest/gtest.h>
+#include "vsl_library.h"
 
 #include <algorithm>
 #include <cmath>
-#include <dlfcn.h>
 #include <functional>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
-namespace vsl {
+namespace distributions {
 
-inline void *library_symbol(const std::string &name)
-{
-    static void *const library = dlopen(KERNEL_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    if (!library)
-        throw std::runtime_error(dlerror());
-    void *const symbol = dlsym(library, name.c_str());
-    if (!symbol)
-        throw std::runtime_error("no kernel " + name);
-    return symbol;
-}
-
-template <class Function>
-Function *kernel(const std::string &name)
-{
-    return reinterpret_cast<Function *>(library_symbol(name));
-}
-
-/// The instruction set that runs, at most that one: what is asked for if the processor has it
+/// The instruction set that runs from now on, at most that one: it, if the processor has it
 inline int limit_set(int set)
 {
-    return kernel<int32_t(int32_t)>("xkl_vsl_kernel_LimitSet")(set);
+    return vsl().limit_set(set);
 }
 constexpr int newest_set = 2;
 
@@ -45,31 +23,23 @@ inline int repeat(VSLStreamStatePtr, int *, double *, int *, int *most, int *)
     return *most;
 }
 
-/// A stream that ends with its scope
-class stream {
+class stream : public random_stream {
   public:
-    explicit stream(int32_t generator = VSL_BRNG_MT19937, uint32_t seed = 7777)
-    {
-        const auto make = kernel<int32_t(void **, int32_t, int32_t, const uint32_t *)>("__vslNewStreamEx");
-        if (make(&handle_, generator, 1, &seed) < 0)
-            throw std::runtime_error("no stream");
-    }
+    explicit stream(int32_t brng = VSL_BRNG_MT19937, uint32_t seed = 7777) : random_stream(brng, {seed}) {}
     /// Over the caller's numbers of [0, 1)
     explicit stream(const std::vector<double> &numbers, dUpdateFuncPtr refill = repeat)
+        : random_stream(made_of(numbers, refill))
     {
-        const auto make = kernel<int32_t(void **, int32_t, const double *, double, double, dUpdateFuncPtr)>(
-            "__vsldNewAbstractStream");
-        if (make(&handle_, static_cast<int32_t>(numbers.size()), numbers.data(), 0, 1, refill) < 0)
-            throw std::runtime_error("no abstract stream");
     }
-    ~stream() { kernel<int32_t(void **)>("__vslDeleteStream")(&handle_); }
-    stream(const stream &) = delete;
-    stream &operator=(const stream &) = delete;
-
-    void *handle() { return handle_; }
 
   private:
-    void *handle_ = nullptr;
+    static VSLStreamStatePtr made_of(const std::vector<double> &numbers, dUpdateFuncPtr refill)
+    {
+        VSLStreamStatePtr made = nullptr;
+        const auto count = static_cast<int32_t>(numbers.size());
+        EXPECT_EQ(vsl().of_doubles(&made, count, numbers.data(), 0, 1, refill), VSL_STATUS_OK);
+        return made;
+    }
 };
 
 /// A kernel with its method and its parameters: `draw(stream, n, r)` is its status
@@ -80,9 +50,9 @@ template <class R, class... P>
 generator<R> with(const std::string &distribution, int32_t method, P... parameters)
 {
     const std::string letter = std::is_same_v<R, double> ? "d" : std::is_same_v<R, float> ? "s" : "i";
-    const auto function =
-        kernel<int32_t(int32_t, void *, int32_t, R *, P...)>("_vsl" + letter + "Rng" + distribution);
-    return [=](stream &s, int32_t n, R *r) { return function(method, s.handle(), n, r, parameters...); };
+    const auto function = vsl_entry<int32_t(int32_t, void *, int32_t, R *, P...)>(
+        ("_vsl" + letter + "Rng" + distribution).c_str());
+    return [=](stream &s, int32_t n, R *r) { return function(method, s, n, r, parameters...); };
 }
 
 template <class R>
@@ -93,4 +63,4 @@ std::vector<R> drawn(const generator<R> &draw, stream &s, int32_t n, size_t each
     return r;
 }
 
-} // namespace vsl
+} // namespace distributions

@@ -6,7 +6,7 @@
 
 namespace {
 
-using namespace vsl;
+using namespace distributions;
 namespace bm = boost::math;
 constexpr int32_t accurate = VSL_RNG_METHOD_ACCURACY_FLAG;
 constexpr double inf = std::numeric_limits<double>::infinity();
@@ -248,16 +248,28 @@ TEST(Continuous, InversesAreThoseOfBoost)
     limit_set(newest_set);
 }
 
-TEST(Continuous, ShapesThatAreNoNumbersGiveNone)
+template <class R>
+void expect_no_numbers(const std::vector<R> &r)
 {
-    for (const double shape : {std::nan(""), inf}) {
-        stream s;
-        for (const double r : drawn(with<double>("Gamma", 0, shape, 0., 1.), s, 5))
-            EXPECT_TRUE(std::isnan(r));
-        for (const double r : drawn(with<double>("Beta", 0, 2., shape, 0., 1.), s, 5))
-            EXPECT_TRUE(std::isnan(r));
-        for (const float r : drawn(with<float>("Beta", 0, static_cast<float>(shape), 2.F, 0.F, 1.F), s, 5))
-            EXPECT_TRUE(std::isnan(r));
+    for (const R each : r)
+        EXPECT_TRUE(std::isnan(each)) << each;
+}
+
+TEST(Continuous, ParametersThatAreNoNumbersGiveNone)
+{
+    const double nan = std::nan("");
+    stream s;
+    for (const char *name : {"Gaussian", "Exponential", "Laplace", "Cauchy", "Rayleigh", "Gumbel"}) {
+        SCOPED_TRACE(name);
+        expect_no_numbers(drawn(with<double>(name, 0, nan, 1.), s, 9));
+        expect_no_numbers(drawn(with<float>(name, 0, 1.F, static_cast<float>(nan)), s, 9));
+    }
+    expect_no_numbers(drawn(with<double>("Weibull", 0, nan, 0., 1.), s, 9));
+    expect_no_numbers(drawn(with<double>("Lognormal", 1, 1., nan, 0., 1.), s, 9));
+    for (const double shape : {nan, inf}) {
+        expect_no_numbers(drawn(with<double>("Gamma", 0, shape, 0., 1.), s, 9));
+        expect_no_numbers(drawn(with<double>("Beta", 0, 2., shape, 0., 1.), s, 9));
+        expect_no_numbers(drawn(with<float>("Beta", 0, static_cast<float>(shape), 2.F, 0.F, 1.F), s, 9));
     }
 }
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-using namespace vsl;
+using namespace distributions;
 namespace bm = boost::math;
 
 struct discrete_case {

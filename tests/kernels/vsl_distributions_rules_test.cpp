@@ -6,7 +6,7 @@
 
 namespace {
 
-using namespace vsl;
+using namespace distributions;
 
 constexpr double mean_vector[] = {1, 2}, triangle[] = {1, 0, .5, 2}, shares[] = {.5, .2, .3};
 constexpr float mean_floats[] = {1, 2}, triangle_floats[] = {1, 0, .5, 2};
@@ -180,13 +180,13 @@ TEST(DistributionRules, DeadStreamsAndUnknownMethodsAreRefused)
 {
     double r[4] = {-7, -7, -7, -7};
     const auto gaussian =
-        kernel<int32_t(int32_t, void *, int32_t, double *, double, double)>("_vsldRngGaussian");
+        vsl_entry<int32_t(int32_t, void *, int32_t, double *, double, double)>("_vsldRngGaussian");
     char dead[64] = {};
     EXPECT_EQ(gaussian(0, nullptr, 4, r, 0, 1), VSL_ERROR_NULL_PTR);
     EXPECT_EQ(gaussian(0, dead, 4, r, 0, 1), VSL_RNG_ERROR_BAD_STREAM);
     stream s;
-    EXPECT_EQ(gaussian(3, s.handle(), 4, r, 0, 1), VSL_ERROR_BADARGS);
-    EXPECT_EQ(gaussian(-1, s.handle(), 4, r, 0, 1), VSL_ERROR_BADARGS);
+    EXPECT_EQ(gaussian(3, s, 4, r, 0, 1), VSL_ERROR_BADARGS);
+    EXPECT_EQ(gaussian(-1, s, 4, r, 0, 1), VSL_ERROR_BADARGS);
     EXPECT_EQ(r[0], -7);
 }
 
@@ -280,17 +280,17 @@ TEST(DistributionRules, BitsAreTheGeneratorsOwn)
     stream one, two, three;
     std::vector<uint32_t> words(8), bits(8);
     std::vector<uint64_t> pairs(4);
-    const auto kernel32 = kernel<int32_t(int32_t, void *, int32_t, uint32_t *)>("_vsliRngUniformBits32");
-    const auto native = kernel<int32_t(int32_t, void *, int32_t, uint32_t *)>("_vsliRngUniformBits");
-    const auto kernel64 = kernel<int32_t(int32_t, void *, int32_t, uint64_t *)>("_vsliRngUniformBits64");
-    EXPECT_EQ(native(0, one.handle(), 8, words.data()), VSL_STATUS_OK);
-    EXPECT_EQ(kernel32(0, two.handle(), 8, bits.data()), VSL_STATUS_OK);
-    EXPECT_EQ(kernel64(0, three.handle(), 4, pairs.data()), VSL_STATUS_OK);
+    const auto kernel32 = vsl_entry<int32_t(int32_t, void *, int32_t, uint32_t *)>("_vsliRngUniformBits32");
+    const auto native = vsl_entry<int32_t(int32_t, void *, int32_t, uint32_t *)>("_vsliRngUniformBits");
+    const auto kernel64 = vsl_entry<int32_t(int32_t, void *, int32_t, uint64_t *)>("_vsliRngUniformBits64");
+    EXPECT_EQ(native(0, one, 8, words.data()), VSL_STATUS_OK);
+    EXPECT_EQ(kernel32(0, two, 8, bits.data()), VSL_STATUS_OK);
+    EXPECT_EQ(kernel64(0, three, 4, pairs.data()), VSL_STATUS_OK);
     EXPECT_EQ(words, bits); // MT19937's are uniform
     for (size_t i = 0; i < 4; ++i)
         EXPECT_EQ(pairs[i], words[2 * i] | static_cast<uint64_t>(words[2 * i + 1]) << 32);
     stream numbers(std::vector<double>(64, .5));
-    EXPECT_EQ(kernel32(0, numbers.handle(), 8, bits.data()), VSL_ERROR_FEATURE_NOT_IMPLEMENTED);
+    EXPECT_EQ(kernel32(0, numbers, 8, bits.data()), VSL_ERROR_FEATURE_NOT_IMPLEMENTED);
 }
 
 } // namespace
