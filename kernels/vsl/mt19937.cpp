@@ -10,7 +10,7 @@ namespace xkl::vsl {
 namespace {
 
 struct mt19937 {
-    static constexpr int32_t size = 624;
+    static constexpr int32_t size = 624, stride = 1;
 
     static void seed_by_word(uint32_t *x, uint32_t seed) noexcept
     {
@@ -45,6 +45,20 @@ struct mt19937 {
             next();
         }
         x[0] = 0x80000000;
+    }
+
+    // Of degree 19937 and irreducible: any bit of any sequence tells it. It is found once, when it is needed.
+    static const bit_modulus<312> &modulus() noexcept
+    {
+        static const bit_modulus<312> known([] {
+            constexpr int degree = 19937;
+            static uint32_t words[2 * degree];
+            bit_blocks<mt19937> any;
+            any.seed({});
+            any.copy_raw(2 * degree, words);
+            return shortest_recurrence<312>(2 * degree, [&](int i) { return words[i] & 1; });
+        }());
+        return known;
     }
 
     static void refill(uint32_t *x) noexcept { simd().mt19937_refill(x); }

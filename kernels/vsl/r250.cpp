@@ -12,7 +12,7 @@ namespace xkl::vsl {
 namespace {
 
 struct r250 {
-    static constexpr int32_t size = 250;
+    static constexpr int32_t size = 250, stride = 1;
 
     static void seed(uint32_t *x, seed_words seeds) noexcept
     {
@@ -28,6 +28,17 @@ struct r250 {
             uint32_t &word = x[7 * k + 3];
             word = (word & (0xffffffffu >> k)) | (0x80000000u >> k);
         }
+    }
+
+    static const bit_modulus<4> &modulus() noexcept
+    {
+        static const bit_modulus<4> known([] {
+            bit_polynomial<4> p;
+            for (const size_t power : {250, 147, 0})
+                p.flip(power);
+            return p;
+        }());
+        return known;
     }
 
     static void refill(uint32_t *x) noexcept { simd().r250_refill(x); }

@@ -11,7 +11,7 @@ namespace xkl::vsl {
 namespace {
 
 struct sfmt19937 {
-    static constexpr int32_t size = 624;
+    static constexpr int32_t size = 624, stride = 4;
 
     static void seed_by_word(uint32_t *x, uint32_t seed) noexcept
     {
@@ -65,12 +65,50 @@ struct sfmt19937 {
         certify_period(x);
     }
 
+    static bit_polynomial<313> annihilator() noexcept;
+
+    static const bit_modulus<313> &modulus() noexcept
+    {
+        static const bit_modulus<313> known(annihilator());
+        return known;
+    }
+
     static void refill(uint32_t *x) noexcept { simd().sfmt19937_refill(x); }
     static void read(int32_t n, const uint32_t *x, uint32_t *r) noexcept
     {
         std::memcpy(r, x, static_cast<size_t>(n) * sizeof *r);
     }
 };
+
+// The recurrence has 19968 bits of state. Their polynomial is one of degree 19937, which any bit tells, times small
+// factors, and a bit of one sequence may lack some of these. So what is left of sequences under the polynomial
+// so far tells the missing ones, for as many seeds as make it certain.
+bit_polynomial<313> sfmt19937::annihilator() noexcept
+{
+    constexpr int bits_of_state = 19968, steps = 2 * bits_of_state, words_of_step = stride;
+    static uint32_t words[steps * words_of_step];
+    bit_polynomial<313> p;
+    p.flip(0);
+    for (uint32_t number = 1; number <= 16; ++number) {
+        bit_blocks<sfmt19937> any;
+        any.seed({&number, 1});
+        any.copy_raw(steps * words_of_step, words);
+        if (p.degree() == 0)
+            p = shortest_recurrence<313>(steps, [&](int i) { return words[words_of_step * i] & 1; });
+        uint32_t left[size];
+        for (;;) {
+            sum_of_shifts<size>(p, words_of_step, words, left);
+            const uint32_t *const some = std::find_if(left, left + size, [](uint32_t w) { return w != 0; });
+            if (some == left + size)
+                break;
+            const int column = static_cast<int>(some - left) % words_of_step, bit = std::countr_zero(*some);
+            p = product(p, shortest_recurrence<313>(size / words_of_step, [&](int i) {
+                            return left[words_of_step * i + column] >> bit & 1;
+                        }));
+        }
+    }
+    return p;
+}
 
 } // namespace
 

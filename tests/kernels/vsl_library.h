@@ -134,13 +134,13 @@ struct generator_promise {
 
 inline constexpr generator_promise generators[] = {
     {"MCG31", VSL_BRNG_MCG31, true, true, true},
-    {"R250", VSL_BRNG_R250, false, false, true},
+    {"R250", VSL_BRNG_R250, true, false, true},
     {"MRG32K3A", VSL_BRNG_MRG32K3A, true, true, true},
     {"MCG59", VSL_BRNG_MCG59, true, true, true},
     {"SOBOL", VSL_BRNG_SOBOL, true, false, true},
     {"NIEDERR", VSL_BRNG_NIEDERR, true, false, true},
-    {"MT19937", VSL_BRNG_MT19937, false, false, true},
-    {"SFMT19937", VSL_BRNG_SFMT19937, false, false, true},
+    {"MT19937", VSL_BRNG_MT19937, true, false, true},
+    {"SFMT19937", VSL_BRNG_SFMT19937, true, false, true},
     {"NONDETERM", VSL_BRNG_NONDETERM, false, false, false},
     {"ARS5", VSL_BRNG_ARS5, true, true, true},
     {"PHILOX4X32X10", VSL_BRNG_PHILOX4X32X10, true, true, true},

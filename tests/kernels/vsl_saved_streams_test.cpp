@@ -69,12 +69,12 @@ TEST_P(EachGenerator, DamagedFilesGiveNoStream)
         file.write(content);
         return vsl().load_file(&made, file.name.c_str(), -1);
     };
-    for (size_t length = 0; length < bytes.size(); length += length < 64 ? 1 : 97)
+    for (size_t length = 0; length < bytes.size(); length += length < 48 ? 1 : 397)
         EXPECT_EQ(load({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)}),
                   VSL_RNG_ERROR_BAD_FILE_FORMAT)
             << length << " bytes";
     std::vector<char> changed = bytes;
-    for (size_t at = 0; at < bytes.size(); at += at < 64 ? 1 : 89) {
+    for (size_t at = 0; at < bytes.size(); at += at < 48 ? 1 : 389) {
         changed[at] = static_cast<char>(changed[at] ^ 16);
         EXPECT_EQ(load(changed), VSL_RNG_ERROR_BAD_FILE_FORMAT) << "byte " << at;
         EXPECT_EQ(vsl().load(&made, changed.data()), VSL_RNG_ERROR_BAD_MEM_FORMAT) << "byte " << at;

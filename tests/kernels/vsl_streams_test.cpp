@@ -100,6 +100,18 @@ TEST_P(EachGenerator, SkippingIsDrawing)
     EXPECT_EQ(vsl().skip(s, -1), VSL_ERROR_BADARGS);
 }
 
+// From 2^24 elements on, generators over bits take another road.
+TEST_P(EachGenerator, SkippingMillionsIsDrawing)
+{
+    if (!GetParam().skips)
+        return;
+    const random_stream drawn = started(GetParam(), 6), skipped = drawn.copy();
+    for (int million = 0; million < 17; ++million)
+        drawn.doubles(1000003);
+    EXPECT_EQ(vsl().skip(skipped, 17 * 1000003), VSL_STATUS_OK);
+    EXPECT_EQ(skipped.doubles(1500), drawn.doubles(1500));
+}
+
 TEST_P(EachGenerator, LongSkipsAddUp)
 {
     const bool quasi = GetParam().brng == VSL_BRNG_SOBOL || GetParam().brng == VSL_BRNG_NIEDERR;

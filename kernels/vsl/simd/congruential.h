@@ -8,14 +8,20 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
+/// x, less m where that is not negative, for x below 2^63 + m. (SSE2 can't compare numbers of 64 bits.)
+XKL_HOT words64 less_modulus(words64 x, uint64_t m)
+{
+    const words64 difference = x - m;
+    return difference + ((words64{} - (difference >> 63)) & m);
+}
+
 /// a*b modulo 2^31 - 1, for numbers below that: the product's halves of 31 bits are added, twice.
 XKL_HOT words64 times_modulo_mersenne(words64 a, words64 b)
 {
     constexpr uint64_t m = 0x7fffffff;
     const words64 product = product_of_low(a, b);
     const words64 sum = (product & m) + (product >> 31);
-    const words64 folded = (sum & m) + (sum >> 31); // at most m + 1
-    return folded >= m ? folded - m : folded;
+    return less_modulus((sum & m) + (sum >> 31), m);
 }
 
 /// a*b modulo 2^59
@@ -73,8 +79,7 @@ XKL_HOT words64 next_of_three(const words64 c[3], words64 y0, words64 y1, words6
     constexpr uint64_t m = (uint64_t{1} << 32) - D;
     const words64 sum = folded<D>(product_of_low(c[0], y0)) + folded<D>(product_of_low(c[1], y1)) +
                         folded<D>(product_of_low(c[2], y2)); // below 2^49
-    const words64 small = folded<D>(folded<D>(sum));         // below 2^32 + D
-    return small >= m ? small - m : small;
+    return less_modulus(folded<D>(folded<D>(sum)), m);       // of a number below 2^32 + D
 }
 
 static void mrg32k3a(vsl::mrg_lanes &state, int32_t blocks, uint32_t *r)
@@ -90,7 +95,7 @@ static void mrg32k3a(vsl::mrg_lanes &state, int32_t blocks, uint32_t *r)
         eight z;
         for (int p = 0; p < eight::parts; ++p) {
             const words64 first = y[0][0].part[p], second = y[1][0].part[p];
-            z.part[p] = first > second ? first - second : first - second + m1;
+            z.part[p] = less_modulus(first - second + m1 - 1, m1) + 1;
             const words64 next1 = next_of_three<d1>(c[0], first, y[0][1].part[p], y[0][2].part[p]);
             const words64 next2 = next_of_three<d2>(c[1], second, y[1][1].part[p], y[1][2].part[p]);
             y[0][0].part[p] = y[0][1].part[p];

@@ -27,7 +27,9 @@ XKL_HOT void philox_register(uint64_t low, uint64_t high, uint64_t key, uint32_t
     for (int i = 0; i < lanes<uint64_t>; ++i)
         index[i] = static_cast<uint64_t>(i);
     const words64 counter = low + index;
-    const words64 upper = counter < low ? words64{} + (high + 1) : words64{} + high;
+    words64 upper = words64{} + high;
+    if (low + (lanes<uint64_t> - 1) < low) [[unlikely]]
+        upper = counter < low ? upper + 1 : upper;
     words64 x[4] = {counter & 0xffffffff, counter >> 32, upper & 0xffffffff, upper >> 32};
     auto key0 = static_cast<uint32_t>(key), key1 = static_cast<uint32_t>(key >> 32);
     for (int round = 0; round < 10; ++round) {
