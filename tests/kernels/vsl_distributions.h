@@ -26,11 +26,12 @@ inline int repeat(VSLStreamStatePtr, int *, double *, int *, int *most, int *)
 class stream : public random_stream {
   public:
     explicit stream(int32_t brng = VSL_BRNG_MT19937, uint32_t seed = 7777) : random_stream(brng, {seed}) {}
-    /// Over the caller's numbers of [0, 1)
+    /// Over the caller's numbers of [0, 1), which the stream reads where they are
     explicit stream(const std::vector<double> &numbers, dUpdateFuncPtr refill = repeat)
         : random_stream(made_of(numbers, refill))
     {
     }
+    explicit stream(std::vector<double> &&) = delete;
 
   private:
     static VSLStreamStatePtr made_of(const std::vector<double> &numbers, dUpdateFuncPtr refill)

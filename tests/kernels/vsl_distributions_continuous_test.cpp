@@ -259,7 +259,8 @@ TEST(Continuous, ParametersThatAreNoNumbersGiveNone)
 {
     const double nan = std::nan("");
     stream s;
-    for (const char *name : {"Gaussian", "Exponential", "Laplace", "Cauchy", "Rayleigh", "Gumbel"}) {
+    for (const char *name :
+         {"Uniform", "Gaussian", "Exponential", "Laplace", "Cauchy", "Rayleigh", "Gumbel"}) {
         SCOPED_TRACE(name);
         expect_no_numbers(drawn(with<double>(name, 0, nan, 1.), s, 9));
         expect_no_numbers(drawn(with<float>(name, 0, 1.F, static_cast<float>(nan)), s, 9));

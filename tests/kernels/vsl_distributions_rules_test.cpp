@@ -169,7 +169,8 @@ TEST(DistributionRules, AStreamThatRepeatsItselfHangsNoCall)
     for (const double number : {0., 1e-9, .5, 1 - 0x1p-32})
         for (const any_kernel &kernel : all_kernels()) {
             SCOPED_TRACE(kernel.name);
-            stream s(std::vector<double>(64, number));
+            const std::vector<double> numbers(64, number);
+            stream s(numbers);
             std::vector<char> r(10 * kernel.bytes);
             const int32_t status = kernel.draw(s, 10, r.data());
             EXPECT_TRUE(status == VSL_STATUS_OK || status == VSL_ERROR_UNKNOWN) << status;
@@ -289,8 +290,9 @@ TEST(DistributionRules, BitsAreTheGeneratorsOwn)
     EXPECT_EQ(words, bits); // MT19937's are uniform
     for (size_t i = 0; i < 4; ++i)
         EXPECT_EQ(pairs[i], words[2 * i] | static_cast<uint64_t>(words[2 * i + 1]) << 32);
-    stream numbers(std::vector<double>(64, .5));
-    EXPECT_EQ(kernel32(0, numbers, 8, bits.data()), VSL_ERROR_FEATURE_NOT_IMPLEMENTED);
+    const std::vector<double> numbers(64, .5);
+    stream of_reals(numbers);
+    EXPECT_EQ(kernel32(0, of_reals, 8, bits.data()), VSL_ERROR_FEATURE_NOT_IMPLEMENTED);
 }
 
 } // namespace

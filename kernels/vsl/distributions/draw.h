@@ -8,6 +8,7 @@
 #include "xkl_vsl_types.h"
 
 #include <algorithm>
+#include <limits>
 
 /// An entry of the kernel library
 #define XKL_VSL_KERNEL extern "C" [[gnu::visibility("default")]] int32_t
@@ -56,6 +57,14 @@ int32_t by_inversion(void *handle, int64_t n, R *r, Transform transform, P... pa
             return status;
         });
     });
+}
+
+/// For parameters that are none
+template <class R>
+int32_t not_numbers(int64_t n, R *r)
+{
+    std::fill_n(r, n, std::numeric_limits<R>::quiet_NaN());
+    return VSL_STATUS_OK;
 }
 
 // As often a number is refused before a call gives up: a stream that repeats itself, or no number of a

@@ -4,19 +4,10 @@
 #include "vsl/distributions/transforms.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace xkl::vsl;
 
 namespace {
-
-/// For shapes that are no number or infinite, of which no candidate would ever be accepted
-template <class R>
-int32_t not_numbers(int64_t n, R *r)
-{
-    std::fill_n(r, n, std::numeric_limits<R>::quiet_NaN());
-    return VSL_STATUS_OK;
-}
 
 /// a + beta*y, shape >= 1
 template <class R>
@@ -52,7 +43,7 @@ int32_t gamma_below_one(stream &s, int64_t n, R *r, const gamma_shape &shape, do
 template <class R>
 int32_t gamma(stream &s, int64_t n, R *r, double alpha, double a, double beta)
 {
-    if (!std::isfinite(alpha))
+    if (!std::isfinite(alpha)) // no candidate would ever be accepted
         return not_numbers(n, r);
     const gamma_shape shape(alpha);
     return shape.below_one() ? gamma_below_one(s, n, r, shape, a, beta)

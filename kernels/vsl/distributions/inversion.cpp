@@ -2,16 +2,30 @@
 #include "vsl/distributions/draw.h"
 #include "vsl/distributions/transforms.h"
 
+#include <cmath>
+
 using namespace xkl::vsl;
 
-// a + (b - a)*u, which the stream itself keeps below b
+namespace {
+
+/// a + (b - a)*u, which the stream itself keeps below b
+template <class R>
+int32_t uniform_between(void *handle, int32_t n, R *r, R a, R b)
+{
+    return on_stream(handle, [&](stream &s) {
+        return std::isnan(a) || std::isnan(b) ? not_numbers(n, r) : uniform(s, n, r, a, b);
+    });
+}
+
+} // namespace
+
 XKL_VSL_KERNEL _vsldRngUniform(int32_t, void *handle, int32_t n, double *r, double a, double b)
 {
-    return on_stream(handle, [&](stream &s) { return uniform(s, n, r, a, b); });
+    return uniform_between(handle, n, r, a, b);
 }
 XKL_VSL_KERNEL _vslsRngUniform(int32_t, void *handle, int32_t n, float *r, float a, float b)
 {
-    return on_stream(handle, [&](stream &s) { return uniform(s, n, r, a, b); });
+    return uniform_between(handle, n, r, a, b);
 }
 
 XKL_VSL_KERNEL _vsldRngExponential(int32_t, void *handle, int32_t n, double *r, double a, double beta)
