@@ -1,6 +1,6 @@
-// Random numbers: nanoseconds a number of a million on one thread, for two generators, beside the C++ library's
-// distribution over its std::mt19937. The kernels are called as their frames call them. All in one run and in
-// turn, so that a noisy machine disturbs all alike.
+// Random numbers: nanoseconds a number of a million on one thread, for two generators, beside the C++
+// library's distribution over its std::mt19937. The kernels are called as their frames call them. All in one
+// run and in turn, so that a noisy machine disturbs all alike.
 // usage: bench_random KERNEL_LIBRARY [DISTRIBUTION...]
 #include "xkl_vsl_types.h"
 
