@@ -1,8 +1,9 @@
-// ARS-5 (Salmon, Moraes, Dror and Shaw, 2011): counters and keys of 128 bits, five rounds of AES with a simple key schedule, by
-// Random123. A processor without AES instructions gets VSL_RNG_ERROR_ARS5_NOT_SUPPORTED.
+// ARS-5 (Salmon, Moraes, Dror and Shaw, 2011): counters and keys of 128 bits, five rounds of AES with a
+// simple key schedule, by Random123. A processor without AES instructions gets
+// VSL_RNG_ERROR_ARS5_NOT_SUPPORTED.
 //
-// Seeds: the first four words are the key, the next four the counter of the first block, all of them lowest first;
-// missing ones are 0.
+// Seeds: the first four words are the key, the next four the counter of the first block, all of them
+// lowest first; missing ones are 0.
 #include "vsl/counter_based.h"
 
 // This file alone is compiled with AES instructions; no function of it runs before `available` has looked.

@@ -1,8 +1,8 @@
 // Polynomials over the field of two elements, for moving generators over bits by any number of steps.
 //
-// Every bit of such a generator's words follows one linear recurrence; let p be its polynomial. If t^n modulo p has
-// the coefficients g, the word n steps ahead is the sum (exclusive or) of the words i ahead for which g[i] is 1. The
-// sum takes as many words as p's degree, however large n is.
+// Every bit of such a generator's words follows one linear recurrence; let p be its polynomial. If t^n
+// modulo p has the coefficients g, the word n steps ahead is the sum (exclusive or) of the words i
+// ahead for which g[i] is 1. The sum takes as many words as p's degree, however large n is.
 #pragma once
 
 #include "vsl/step_count.h"
@@ -47,7 +47,8 @@ bit_polynomial<Words> product(const bit_polynomial<Words> &a, const bit_polynomi
     return sum;
 }
 
-/// The polynomial of the shortest recurrence that gives `count` bits (Berlekamp and Massey); bits(i) is bit i.
+/// The polynomial of the shortest recurrence that gives `count` bits (Berlekamp and Massey); bits(i) is
+/// bit i.
 template <size_t Words, class Bits>
 bit_polynomial<Words> shortest_recurrence(int count, const Bits &bits) noexcept
 {

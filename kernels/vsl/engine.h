@@ -1,10 +1,10 @@
-// What a basic generator offers to the streams: one row of operations on its state, a plain block of memory without
-// addresses, so that copying and saving a stream is copying bytes.
+// What a basic generator offers to the streams: one row of operations on its state, a plain block of
+// memory without addresses, so that copying and saving a stream is copying bytes.
 //
 // A generator is a trivially copyable class with
 //     int32_t seed(std::span<const uint32_t> seeds)   the start; no seed is the seed 1
 //     int32_t generate(int32_t n, word *r)            the next n elements; 0, or why there are no more
-//     bool plausible() const                          false for loaded states that would read outside of memory
+//     bool plausible(size_t bytes) const              false for loaded states that would leave their memory
 // and, where its algebra allows them in logarithmic time,
 //     int32_t skip(step_count)                        as if that many elements were drawn
 //     int32_t leapfrog(uint32_t k, uint32_t step)     elements k, k + step, k + 2*step... from now on

@@ -12,8 +12,8 @@ constexpr int32_t first_registered = VSL_BRNG_PHILOX4X32X10 + VSL_BRNG_INC;
 constexpr int32_t basic_count = VSL_BRNG_PHILOX4X32X10 >> VSL_BRNG_SHIFT;
 constexpr int32_t most_registered = VSL_MAX_REG_BRNGS - basic_count;
 
-// Written by __vslRegisterBrng alone, which holds the lock: an entry first, then the count. So entries below the
-// count can be read without the lock. Nothing is ever taken away.
+// Written by __vslRegisterBrng alone, which holds the lock: an entry first, then the count. So entries
+// below the count can be read without the lock. Nothing is ever taken away.
 VSLBRngProperties registered[most_registered];
 std::atomic<int32_t> registered_count{0};
 std::mutex registration;
@@ -115,7 +115,8 @@ using namespace xkl::vsl;
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Basic generators count whether this library offers them or not: the next identifier is the count plus one, shifted.
+// Basic generators count whether this library offers them or not: the next identifier is the count plus
+// one, shifted.
 int32_t __vslGetNumRegBrngs(void)
 {
     return basic_count + registered_count.load(std::memory_order_acquire);

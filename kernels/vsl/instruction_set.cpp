@@ -24,7 +24,8 @@ int instruction_set() noexcept
 
 } // namespace xkl::vsl
 
-// For tests and measurements: from now on no newer instruction set than that one runs. Returns the one that does.
+// For tests and measurements: from now on no newer instruction set than that one runs. Returns the one
+// that does.
 extern "C" [[gnu::visibility("default")]] int32_t xkl_vsl_kernel_LimitSet(int32_t set)
 {
     xkl::vsl::limit.store(set < 0 ? 0 : set, std::memory_order_relaxed);

@@ -1,5 +1,6 @@
-// Which copy of the loops under simd/ a call runs. They are compiled once per instruction set, each into a table
-// of its own namespace (sse2, avx2, avx512); all copies give the same numbers to the last bit.
+// Which copy of the loops under simd/ a call runs. They are compiled once per instruction set, each
+// into a table of its own namespace (sse2, avx2, avx512); all copies give the same numbers to the last
+// bit.
 #pragma once
 
 namespace xkl::vsl {

@@ -1,11 +1,11 @@
 // MCG31m1 and MCG59: x[j+1] = multiplier * x[j] modulo m.
 //
-// MCG31m1 has m = 2^31 - 1 and the multiplier 1132489760 of L'Ecuyer's tables (1999), MCG59 m = 2^59 and 13^13.
-// The state is x[1], the first element a step behind the seed x[0]; so the sequences are those of C++'s
-// linear_congruential_engine with these constants.
+// MCG31m1 has m = 2^31 - 1 and the multiplier 1132489760 of L'Ecuyer's tables (1999), MCG59 m = 2^59
+// and 13^13. The state is x[1], the first element a step behind the seed x[0]; so the sequences are
+// those of C++'s linear_congruential_engine with these constants.
 //
-// Seeds: MCG31m1 takes the first word modulo m, and 1 for 0; MCG59 the first two words modulo m, and 1 for 0. (An
-// even seed of MCG59 has a shorter period.) Further words are not looked at.
+// Seeds: MCG31m1 takes the first word modulo m, and 1 for 0; MCG59 the first two words modulo m, and 1
+// for 0. (An even seed of MCG59 has a shorter period.) Further words are not looked at.
 #include "vsl/engine.h"
 #include "vsl/loops_of_set.h"
 

@@ -3,12 +3,13 @@
 //     y[j+3] =  527612*y[j+2] - 1370589*y[j]    modulo m2 = 2^32 - 22853
 // whose difference modulo m1, counted from 1 to m1, is the element; divided by m1 + 1 it is uniform.
 //
-// Seeds: up to six words, x[0] to x[2] modulo m1 and y[0] to y[2] modulo m2; missing ones are 1, and so is the first
-// one of a component that would be all zero. The first element is that of x[3] and y[3], as the author publishes it.
+// Seeds: up to six words, x[0] to x[2] modulo m1 and y[0] to y[2] modulo m2; missing ones are 1, and so
+// is the first one of a component that would be all zero. The first element is that of x[3] and y[3],
+// as the author publishes it.
 //
-// Elements that are s steps apart follow a recurrence of order 3, too: its coefficients are those of the characteristic
-// polynomial of multiplication by t^s in the ring of polynomials modulo the recurrence's own. Leapfrog streams and
-// the eight lanes of fast generation live on that.
+// Elements that are s steps apart follow a recurrence of order 3, too: its coefficients are those of
+// the characteristic polynomial of multiplication by t^s in the ring of polynomials modulo the
+// recurrence's own. Leapfrog streams and the eight lanes of fast generation live on that.
 #include "vsl/engine.h"
 #include "vsl/loops_of_set.h"
 

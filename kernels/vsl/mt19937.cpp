@@ -47,7 +47,8 @@ struct mt19937 {
         x[0] = 0x80000000;
     }
 
-    // Of degree 19937 and irreducible: any bit of any sequence tells it. It is found once, when it is needed.
+    // Of degree 19937 and irreducible: any bit of any sequence tells it. It is found once, when it is
+    // needed.
     static const bit_modulus<312> &modulus() noexcept
     {
         static const bit_modulus<312> known([] {
@@ -68,7 +69,7 @@ struct mt19937 {
 } // namespace
 
 const engine mt19937_engine = engine_of<bit_blocks<mt19937>>(
-    VSL_BRNG_MT19937, 1 << 20,
+    VSL_BRNG_MT19937, 624,
     {.word_bytes = 4, .bits = 32, .uniform_bits = true, .includes_zero = true, .unit = 0x1p-32});
 
 } // namespace xkl::vsl

@@ -1,5 +1,5 @@
-// The non-deterministic generator: words from the operating system's pool, which the processor's noise feeds. There is
-// no seed and no state; two streams never give the same numbers, and none can be moved.
+// The non-deterministic generator: words from the operating system's pool, which the processor's noise
+// feeds. There is no seed and no state; two streams never give the same numbers, and none can be moved.
 #include "vsl/engine.h"
 
 #include <cerrno>

@@ -1,8 +1,8 @@
-// Philox4x32-10 (Salmon, Moraes, Dror and Shaw, 2011): counters of 128 bits, a key of 64. Whole blocks are made by the
-// loop of this processor, single ones by Random123.
+// Philox4x32-10 (Salmon, Moraes, Dror and Shaw, 2011): counters of 128 bits, a key of 64. Whole blocks
+// are made by the loop of this processor, single ones by Random123.
 //
-// Seeds: the first two words are the key, the next four the counter of the first block, all of them lowest first;
-// missing ones are 0.
+// Seeds: the first two words are the key, the next four the counter of the first block, all of them
+// lowest first; missing ones are 0.
 #include "vsl/counter_based.h"
 #include "vsl/loops_of_set.h"
 

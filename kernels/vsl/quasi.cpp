@@ -1,10 +1,12 @@
-// Sobol's and Niederreiter's sequences (base 2) in Gray code order, with the direction numbers of Boost.Random: those of
-// Joe and Kuo (2008) for Sobol's, up to 3667 dimensions, and 4720 dimensions for Niederreiter's. Point j, for j from 1 to
-// 2^32 - 1, is the sum (exclusive or) of the directions at the bits of j's Gray code; the origin, point 0, is left out. The
-// elements are the coordinates, point after point.
+// Sobol's and Niederreiter's sequences (base 2) in Gray code order, with the direction numbers of
+// Boost.Random: those of Joe and Kuo (2008) for Sobol's, up to 3667 dimensions, and 4720 dimensions for
+// Niederreiter's. Point j, for j from 1 to 2^32 - 1, is the sum (exclusive or) of the directions at the
+// bits of j's Gray code; the origin, point 0, is left out. The elements are the coordinates, point
+// after point.
 //
-// Seeds: the first word is the dimension, 1 when it is missing. A dimension of 0, or more than there are, is
-// VSL_ERROR_BADARGS, and so is a second word that isn't 0: direction numbers of the caller's own are not offered.
+// Seeds: the first word is the dimension, 1 when it is missing. A dimension of 0, or more than there
+// are, is VSL_ERROR_BADARGS, and so is a second word that isn't 0: direction numbers of the caller's
+// own are not offered.
 //
 // Leapfrog with one stream for each dimension gives stream k the k-th coordinates of all points.
 #include "vsl/engine.h"
@@ -26,8 +28,7 @@ template <class Engine, uint32_t MostDimensions>
 struct quasi {
     using word = uint32_t;
 
-    uint64_t
-        point; // the one that is being given out, from 1 on; behind last_point the sequence is at its end
+    uint64_t point; // the one that is being given out, from 1 on; behind last_point: at the end
     uint32_t dimension;
     uint32_t coordinate; // the next one, or with leapfrog the only one
     uint32_t alone;      // 1: coordinate is the only one that is given out

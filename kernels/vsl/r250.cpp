@@ -1,8 +1,9 @@
 // R250 (Kirkpatrick and Stoll, 1981): x[j+250] = x[j+147] xor x[j], over 32-bit words.
 //
-// Seeds: 250 words and more are the first 250 elements of the recurrence as they are. Fewer: x[0] is the first word (1 for 0),
-// x[j+1] = 69069*x[j]; then of word 7*k + 3, for k from 0 to 31, bit 31 - k is set and the bits above it are
-// cleared, which makes the 32 columns of bits linearly independent. The first element given out is x[250].
+// Seeds: 250 words and more are the first 250 elements of the recurrence as they are. Fewer: x[0] is
+// the first word (1 for 0), x[j+1] = 69069*x[j]; then of word 7*k + 3, for k from 0 to 31, bit 31 - k
+// is set and the bits above it are cleared, which makes the 32 columns of bits linearly independent.
+// The first element given out is x[250].
 #include "vsl/bit_blocks.h"
 
 #include <cstring>

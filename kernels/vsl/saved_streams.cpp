@@ -1,5 +1,5 @@
-// Saved streams, in files and in memory: a header, and the bytes of the state behind it. The header has a sum of its own, so
-// that foreign memory is refused before anything behind the header is read.
+// Saved streams, in files and in memory: a header, and the bytes of the state behind it. The header has
+// a sum of its own, so that foreign memory is refused before anything behind the header is read.
 #include "vsl/generators.h"
 #include "vsl/stream_object.h"
 

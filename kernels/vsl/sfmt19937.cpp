@@ -31,9 +31,9 @@ struct sfmt19937 {
             const uint32_t before = x[(i + size - 1) % size];
             const uint32_t mixed = adding ? here ^ near ^ before : here + near + before;
             uint32_t r = (mixed ^ (mixed >> 27)) * (adding ? 1664525u : 1566083941u);
-            adding ? near += r : near ^= r;
+            near = adding ? near + r : near ^ r;
             r = adding ? r + fresh : r - fresh;
-            adding ? far += r : far ^= r;
+            far = adding ? far + r : far ^ r;
             here = r;
             i = (i + 1) % size;
         };
@@ -80,9 +80,9 @@ struct sfmt19937 {
     }
 };
 
-// The recurrence has 19968 bits of state. Their polynomial is one of degree 19937, which any bit tells, times small
-// factors, and a bit of one sequence may lack some of these. So what is left of sequences under the polynomial
-// so far tells the missing ones, for as many seeds as make it certain.
+// The recurrence has 19968 bits of state. Their polynomial is one of degree 19937, which any bit tells,
+// times small factors, and a bit of one sequence may lack some of these. So what is left of sequences
+// under the polynomial so far tells the missing ones, for as many seeds as make it certain.
 bit_polynomial<313> sfmt19937::annihilator() noexcept
 {
     constexpr int bits_of_state = 19968, steps = 2 * bits_of_state, words_of_step = stride;
@@ -113,7 +113,7 @@ bit_polynomial<313> sfmt19937::annihilator() noexcept
 } // namespace
 
 const engine sfmt19937_engine = engine_of<bit_blocks<sfmt19937>>(
-    VSL_BRNG_SFMT19937, 1 << 20,
+    VSL_BRNG_SFMT19937, 624,
     {.word_bytes = 4, .bits = 32, .uniform_bits = true, .includes_zero = true, .unit = 0x1p-32});
 
 } // namespace xkl::vsl

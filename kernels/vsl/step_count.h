@@ -1,4 +1,5 @@
-// How far a stream is moved: a number of any length, in 64-bit words with the lowest first, as callers hand it over.
+// How far a stream is moved: a number of any length, in 64-bit words with the lowest first, as callers
+// hand it over.
 #pragma once
 
 #include <bit>

@@ -1,7 +1,7 @@
 // What lies behind a stream's head, and what can be done with a stream besides drawing from it.
 //
-// Basic generators have their state state_offset bytes into the object, registered ones right behind the head, and
-// abstract streams a description of the caller's buffer.
+// Basic generators have their state state_offset bytes into the object, registered ones right behind
+// the head, and abstract streams a description of the caller's buffer.
 #pragma once
 
 #include "vsl/engine.h"

@@ -7,21 +7,30 @@
 
 namespace xkl::vsl {
 
+namespace {
+
+// Bytes before a stream's head. Allocators write into freed memory, at its start: there the mark of a
+// dead stream could turn into that of a live one, and the caller's mistake would go on unseen.
+constexpr size_t margin = 64;
+
+} // namespace
+
 void end_of_stream::operator()(stream *s) const noexcept
 {
     s->live = 0; // for whoever still holds the pointer, as long as the memory is not used again
     s->tag = 0;
-    std::free(s);
+    std::free(reinterpret_cast<char *>(s) - margin);
 }
 
 owned_stream allocate(int32_t brng, size_t bytes) noexcept
 {
     const size_t rounded = (bytes + state_offset - 1) / state_offset * state_offset;
-    void *const memory = std::aligned_alloc(state_offset, rounded);
+    static_assert(margin % state_offset == 0);
+    void *const memory = std::aligned_alloc(state_offset, margin + rounded);
     if (!memory)
         return nullptr;
-    std::memset(memory, 0, rounded);
-    return owned_stream(new (memory) stream{
+    std::memset(memory, 0, margin + rounded);
+    return owned_stream(new (static_cast<char *>(memory) + margin) stream{
         .tag = stream_tag, .live = 1, .zero = {}, .brng = brng, .bytes = static_cast<uint32_t>(bytes)});
 }
 

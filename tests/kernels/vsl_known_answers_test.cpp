@@ -1,4 +1,5 @@
-// Each basic generator against values that its authors published, or against an implementation that is not ours.
+// Each basic generator against values that its authors published, or against an implementation that is
+// not ours.
 #include "vsl_library.h"
 
 #include <Random123/philox.h>

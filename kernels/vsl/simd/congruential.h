@@ -1,5 +1,5 @@
-// Multiplicative congruential generators and MRG32k3a, eight elements at a time: each lane follows the recurrence of
-// every eighth element.
+// Multiplicative congruential generators and MRG32k3a, eight elements at a time: each lane follows the
+// recurrence of every eighth element.
 #pragma once
 
 #include "vsl/simd/integers.h"

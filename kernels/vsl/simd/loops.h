@@ -1,6 +1,6 @@
-// The loops of the generators that are compiled once per instruction set, and the table through which they are
-// called. All integer arithmetic is exact, and so is the conversion to numbers but for one rounding of a product and
-// one of a sum: every copy gives the same results.
+// The loops of the generators that are compiled once per instruction set, and the table through which
+// they are called. All integer arithmetic is exact, and so is the conversion to numbers but for one
+// rounding of a product and one of a sum: every copy gives the same results.
 #pragma once
 
 #include <cstdint>
