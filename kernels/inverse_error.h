@@ -15,8 +15,9 @@ inline namespace XKL_ISA {
 
 constexpr double tail_begins = 0.2, middle_begins = 3, end_begins = 6.5; // in q, w, w
 
+/// The rational function of y*y
 template <class V>
-XKL_HOT extended<V> erfinv_around_zero(extended<V> y)
+XKL_HOT V ratio_around_zero(V square)
 {
     constexpr double above[] = {0x1.8aba850413d4ep-2, 0x1.b136c170d0811p+1, 0x1.751ffb01d4e84p+3,
                                 0x1.408163f3416c7p+4, 0x1.20afd3444c197p+4, 0x1.06ac4e5d0a10fp+3,
@@ -25,9 +26,16 @@ XKL_HOT extended<V> erfinv_around_zero(extended<V> y)
                                 0x1.5478a12657a06p+6, 0x1.8dd97893f7f7dp+6, 0x1.0163468598d27p+6,
                                 0x1.5a26bfc0e4e91p+4, 0x1.a124eb94df830p+1, 0x1.39096ad11c45dp-3};
     // Counted from the end of the range all coefficients have one sign, so the polynomials lose no digits.
-    const V square = y.high * y.high, from = 0.640625 - square;
+    const V from = element<V>(0.640625) - square;
+    return polynomial(from, above) / polynomial(from, below);
+}
+
+template <class V>
+XKL_HOT extended<V> erfinv_around_zero(extended<V> y)
+{
+    const V square = y.high * y.high;
     const extended<V> start = extended_constant<V>(0x1.c5bf891b4ef6bp-1, -0x1.618f13eb7ca89p-55) * y.high;
-    const V more = y.high * square * (polynomial(from, above) / polynomial(from, below));
+    const V more = y.high * square * ratio_around_zero(square);
     // The low part's share: the derivative is sqrt(pi)/2*exp(erfinv**2).
     const V x = start.high + more, e = x * x;
     const V derivative = .8862269 * (1 + e * (1 + e * (.5 + e * (1. / 6 + e * (1. / 24)))));
@@ -44,8 +52,8 @@ XKL_HOT V tail_near(V w)
     constexpr double below[] = {0x1.0000000000000p+0, 0x1.3dee5e0f00d1ep+1, 0x1.5383785821b51p+1,
                                 0x1.847626dd113dcp+0, 0x1.edb4966c9b7adp-2, 0x1.46f9cadaf526dp-4,
                                 0x1.85798f7aea0b4p-8, 0x1.26547af73557ap-13};
-    const V from = w - 1.25; // what this adds to the function's value there is small
-    return -0x1.738c232dc2db3p-2 + from * (polynomial(from, above) / polynomial(from, below));
+    const V from = w - element<V>(1.25); // what this adds to the function's value there is small
+    return element<V>(-0x1.738c232dc2db3p-2) + from * (polynomial(from, above) / polynomial(from, below));
 }
 template <class V>
 XKL_HOT V tail_middle(V w)
@@ -56,7 +64,7 @@ XKL_HOT V tail_middle(V w)
     constexpr double below[] = {0x1.0000000000000p+0,  0x1.ec3db32fc7b6ap+0, 0x1.54d397dc3a6d6p+0,
                                 0x1.c82176d980642p-2,  0x1.3b9b3761e4df9p-4, 0x1.b3419909b0b05p-8,
                                 0x1.022dfabd31fe7p-12, 0x1.651e345f16deap-19};
-    const V from = w - middle_begins;
+    const V from = w - element<V>(middle_begins);
     return polynomial(from, above) / polynomial(from, below);
 }
 template <class V>
@@ -69,7 +77,7 @@ XKL_HOT V tail_end(V w)
     constexpr double below[] = {0x1.0000000000000p+0,  0x1.2d951b95ead01p-1,  0x1.2078a1fdeb46ap-3,
                                 0x1.1f9ab826b4c5ap-6,  0x1.3fd8826415acdp-10, 0x1.8b00e4bb91249p-15,
                                 0x1.fd9a420d131ccp-21, 0x1.2a359f19387abp-27, 0x1.c15ac04d176a4p-36};
-    const V from = w - end_begins;
+    const V from = w - element<V>(end_begins);
     return polynomial(from, above) / polynomial(from, below);
 }
 
