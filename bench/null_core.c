@@ -38,3 +38,17 @@ int32_t xkl_serv_default_pardiso_pivot(void)
 {
     return 0;
 }
+int xkl_serv_sprintf_char_s(char *buffer, size_t size, const char *format, ...)
+{
+    (void)buffer, (void)size, (void)format;
+    return 0;
+}
+const char *xkl_serv_get_msg(int number, int reserved)
+{
+    (void)number, (void)reserved;
+    return "";
+}
+void *xkl_serv_get_mpi_wrappers(void)
+{
+    return NULL;
+}

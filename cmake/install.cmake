@@ -13,10 +13,16 @@ target_link_libraries(xkl_gfortran INTERFACE xkl_quorl_gf_ilp64 xkl_quorl_ilp64)
 add_library(xkl_compat INTERFACE)
 target_include_directories(xkl_compat INTERFACE $<INSTALL_INTERFACE:${header_directory}/compat>)
 target_link_libraries(xkl_compat INTERFACE xkl)
+# For programs written for FFTW.
+add_library(xkl_fftw3 INTERFACE)
+target_include_directories(xkl_fftw3 INTERFACE $<INSTALL_INTERFACE:${header_directory}/fftw>)
+target_link_libraries(xkl_fftw3 INTERFACE xkl)
+set_target_properties(xkl_fftw3 PROPERTIES EXPORT_NAME fftw3)
 set_target_properties(xkl_compat PROPERTIES EXPORT_NAME compat)
 set_target_properties(xkl_gfortran PROPERTIES EXPORT_NAME gfortran)
 
 install(TARGETS xkl_quorl_ilp64 xkl_quorl_gf_ilp64 xkl_core xkl_kernels xkl_public_headers xkl xkl_gfortran xkl_compat
+    xkl_fftw3
     EXPORT xklTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 if(TARGET xkl_core_fft)
   install(TARGETS xkl_core_fft LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -27,6 +33,7 @@ install(FILES ${XKL_HEADER_FILES} ${PROJECT_SOURCE_DIR}/include/xkl.h ${PROJECT_
     ${PROJECT_SOURCE_DIR}/include/xkl_vml_types.h ${PROJECT_SOURCE_DIR}/include/xkl_dfti.h
     DESTINATION ${header_directory})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/compat DESTINATION ${header_directory})
+install(FILES ${XKL_FFTW_HEADER_FILES} DESTINATION ${header_directory}/fftw)
 install(EXPORT xklTargets NAMESPACE xkl:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/xkl)
 
 set(XKL_FORTRAN_DIRECTORY ${header_directory})

@@ -21,10 +21,12 @@ set(XKL_MATCOPY_TABLES ${PROJECT_SOURCE_DIR}/src/matcopy/matcopy.tbl)
 set(XKL_DFTI_TABLE_NAMES interface fortran entries)
 list(TRANSFORM XKL_DFTI_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/dfti/ OUTPUT_VARIABLE XKL_DFTI_TABLES)
 list(TRANSFORM XKL_DFTI_TABLES APPEND .tbl)
+list(APPEND XKL_DFTI_TABLES ${PROJECT_SOURCE_DIR}/src/fftw/entries.tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
 set(XKL_VML_TABLE ${PROJECT_SOURCE_DIR}/src/vml/vml.tbl)
 set(XKL_VML_SETTINGS ${PROJECT_SOURCE_DIR}/src/vml/settings.tbl)
 set(XKL_VML_LOADER ${PROJECT_SOURCE_DIR}/src/vml/loader.tbl)
+set(XKL_FFTW_TABLE ${PROJECT_SOURCE_DIR}/src/fftw/fftw.tbl)
 
 # For ./dev, which reads no CMake.
 foreach(family BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY)
@@ -36,9 +38,10 @@ set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sourc
 set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
 
-# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s] [OPTION text])
+# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s] [FFTW f]
+#              [OPTION text])
 function(xkl_generate output command)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;OPTION" "TABLES;PROVIDERS;LAPACKE")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;FFTW;OPTION" "TABLES;PROVIDERS;LAPACKE")
   set(words ${command} -o ${output})
   if(arg_TABLES)
     list(APPEND words --tables ${arg_TABLES})
@@ -55,6 +58,9 @@ function(xkl_generate output command)
   if(arg_SETTINGS)
     list(APPEND words --settings ${arg_SETTINGS})
   endif()
+  if(arg_FFTW)
+    list(APPEND words --fftw ${arg_FFTW})
+  endif()
   if(arg_LAPACKE)
     list(APPEND words --lapacke ${arg_LAPACKE})
   endif()
@@ -64,7 +70,7 @@ function(xkl_generate output command)
   add_custom_command(
     OUTPUT ${output}
     COMMAND tablegen ${words}
-    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE} ${arg_VML} ${arg_SETTINGS}
+    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE} ${arg_VML} ${arg_SETTINGS} ${arg_FFTW}
     COMMENT "tablegen ${command}"
     VERBATIM)
 endfunction()

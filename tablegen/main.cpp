@@ -1,4 +1,5 @@
 // tablegen: reads routine tables and prints one file. Errors are `file:line: message`, exit code 1.
+#include "fftw_printers.h"
 #include "names.h"
 #include "print_lapacke.h"
 #include "printers.h"
@@ -18,7 +19,7 @@ namespace {
 
 const char usage[] =
     R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--lapacke FILE...]
-                        [--vml FILE] [--settings FILE] [--option TEXT]
+                        [--vml FILE] [--settings FILE] [--fftw FILE] [--option TEXT]
 commands:
   frames         bodies and checkers under every spelling   (--option: header of the family's checks)
   frame-header   bodies and checkers, declared
@@ -38,7 +39,7 @@ commands:
   core-calls     the core's entries by name and type, for its own code
   core-manifest  who serves each core entry                 (--providers)
   null-core, recording-core   cores for measurements and tests
-  exports, version-script     exported names                (--shapes, --lapacke, --vml, --settings, if any)
+  exports, version-script     exported names                (--shapes, --lapacke, --vml, --settings, --fftw, if any)
   test-rows, cblas-test-rows, lapacke-test-rows  what table-driven tests walk
   vml-core-header  prototypes of the vector math threaders   (--vml, as the rest of this group)
   vml-threaders    the default core's threaders
@@ -50,12 +51,14 @@ commands:
   vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
   vml-kernel-tables  the tables of the kernel library         (--providers)
   vml-kernel-rows  what tests of the kernels walk            (--providers)
+  fftw-frames      the FFTW3 interface's routines            (--fftw, as the rest of this group)
+  fftw-header, fftw-constants, fftw-fortran  what C and Fortran programs compile against
   show           one routine as it is printed               (--option: its name, in upper case)
   formats        the trace format of every routine
 )";
 
 struct request {
-    std::string command, output, shapes, vml, settings, option;
+    std::string command, output, shapes, vml, settings, fftw, option;
     std::vector<std::string> tables, providers, lapacke;
 };
 
@@ -84,6 +87,8 @@ request parse(int argc, char **argv)
             asked.vml = word;
         else if (option == "--settings")
             asked.settings = word;
+        else if (option == "--fftw")
+            asked.fftw = word;
         else if (option == "--option")
             asked.option = word;
         else
@@ -120,8 +125,10 @@ void run(const request &asked, std::ostream &out)
 {
     const routines rows = read_tables(asked.tables);
     const auto functions = asked.vml.empty() ? vml_functions{} : read_vml_table(asked.vml);
-    if (rows.empty() && functions.empty())
-        throw table_error("no rows: name at least one table behind --tables, or one behind --vml");
+    const auto fftw = asked.fftw.empty() ? fftw_table{} : read_fftw_table(asked.fftw);
+    if (rows.empty() && functions.empty() && fftw.routines.empty())
+        throw table_error(
+            "no rows: name at least one table behind --tables, or one behind --vml or --fftw");
     const auto settings =
         asked.settings.empty() ? std::vector<vml_setting>{} : read_vml_settings(asked.settings);
     const auto shapes = asked.shapes.empty() ? std::vector<shaped>{} : read_shapes(asked.shapes, rows);
@@ -133,6 +140,7 @@ void run(const request &asked, std::ostream &out)
     name_set names = exported(rows, shapes);
     names.merge(lapacke_names(lapacke));
     names.merge(vml_exported_names(functions, settings));
+    names.merge(fftw_exported_names(fftw));
     const std::map<std::string, std::function<void()>> commands = {
         {"frames", [&] { print_frames(out, rows, asked.option); }},
         {"frame-header", [&] { print_frame_header(out, rows); }},
@@ -173,6 +181,10 @@ void run(const request &asked, std::ostream &out)
         {"vml-kernels", [&] { print_vml_kernels(out, functions, kernels, asked.option); }},
         {"vml-kernel-rows", [&] { print_vml_kernel_rows(out, functions, kernels); }},
         {"vml-kernel-tables", [&] { print_vml_kernel_tables(out, functions, kernels); }},
+        {"fftw-frames", [&] { print_fftw_frames(out, fftw); }},
+        {"fftw-header", [&] { print_fftw_header(out, fftw); }},
+        {"fftw-constants", [&] { print_fftw_fortran_constants(out, fftw); }},
+        {"fftw-fortran", [&] { print_fftw_fortran(out, fftw); }},
         {"show",
          [&] {
              if (asked.option.starts_with("LAPACKE_"))
@@ -190,9 +202,9 @@ void run(const request &asked, std::ostream &out)
     if (command == commands.end())
         throw table_error("unknown command `" + asked.command + "`\n" + usage);
     static const std::set<std::string> plain_text = {
-        "exports",    "version-script", "fortran",       "formats",
-        "show",       "c-header",       "cblas-header",  "companion-exports",
-        "vml-header", "vml-fortran",    "helper-header", "lapacke-header"};
+        "exports",       "version-script", "fortran",           "formats",        "show",
+        "c-header",      "cblas-header",   "companion-exports", "vml-header",     "vml-fortran",
+        "helper-header", "lapacke-header", "fftw-header",       "fftw-constants", "fftw-fortran"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

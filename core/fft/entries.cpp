@@ -201,23 +201,4 @@ int32_t xkl_dft_dfti_error_message_external(const int32_t *status, char *text, i
     std::memset(text + used, ' ', room - used);
     return DFTI_NO_ERROR;
 }
-
-// Transforms over several processes: this core has none.
-int32_t xkl_dft_dfti_commit_descriptor_dm(void *)
-{
-    return DFTI_UNIMPLEMENTED;
-}
-int32_t xkl_dft_dfti_create_descriptor_dm1(void *, void **, const int32_t *, const int32_t *,
-                                           const int64_t *, const int64_t *)
-{
-    return DFTI_UNIMPLEMENTED;
-}
-int32_t xkl_dft_dfti_set_value_dmi(void *const *, const int32_t *, const int64_t *)
-{
-    return DFTI_UNIMPLEMENTED;
-}
-int32_t xkl_dft_dfti_set_value_dmp(void *const *, const int32_t *, void *)
-{
-    return DFTI_UNIMPLEMENTED;
-}
 }

@@ -37,6 +37,21 @@ int32_t set_scale(DFTI_DESCRIPTOR *const *handle, const int32_t *parameter, cons
     return (*handle)->operations->set_scale(*handle, *parameter, *value);
 }
 
+/// Null for a parameter that is no vector.
+xkl_dft_operations::get_vector *vector_operation(const xkl_dft_operations &operations, int32_t parameter)
+{
+    switch (parameter) {
+    case DFTI_LENGTHS:
+        return operations.get_lengths;
+    case DFTI_INPUT_STRIDES:
+        return operations.get_input_strides;
+    case DFTI_OUTPUT_STRIDES:
+        return operations.get_output_strides;
+    default:
+        return nullptr;
+    }
+}
+
 /// A C text into a Fortran one.
 void store_padded(const char *from, size_t capacity, char *text, int64_t length)
 {
@@ -97,20 +112,10 @@ int32_t xkl_dft_dfti_get_value_intvec(DFTI_DESCRIPTOR *const *handle, const int3
 {
     if (const int32_t status = refusal(handle, parameter, vector); status != DFTI_NO_ERROR)
         return status;
-    const xkl_dft_operations &operations = *(*handle)->operations;
-    xkl_dft_operations::get_vector *const get =
-        *parameter == DFTI_LENGTHS          ? operations.get_lengths
-        : *parameter == DFTI_INPUT_STRIDES  ? operations.get_input_strides
-        : *parameter == DFTI_OUTPUT_STRIDES ? operations.get_output_strides
-                                            : nullptr;
+    xkl_dft_operations::get_vector *const get = vector_operation(*(*handle)->operations, *parameter);
     if (!get)
         return DFTI_INCONSISTENT_CONFIGURATION;
-    stride_vector fetched = {};
-    const int32_t status = get(*handle, fetched);
-    const int64_t entries = (*handle)->rank + (*parameter == DFTI_LENGTHS ? 0 : 1);
-    for (int64_t i = 0; status == DFTI_NO_ERROR && i < entries; ++i)
-        vector[i] = fetched[i];
-    return status;
+    return get(*handle, vector);
 }
 
 int32_t xkl_dft_dfti_set_value_intvec(DFTI_DESCRIPTOR *const *handle, const int32_t *parameter,

@@ -6,5 +6,4 @@
 extern "C" {
 const char *xkl_serv_get_msg(int number, int reserved);
 int xkl_serv_sprintf_char_s(char *buffer, size_t size, const char *format, ...);
-const void *xkl_serv_get_mpi_wrappers(void);
 }

@@ -36,10 +36,11 @@ constexpr const creators &creators_for(int precision)
     return precision == DFTI_SINGLE ? in_single : precision == DFTI_DOUBLE ? in_double : in_none;
 }
 
-long blessed(int32_t status, DFTI_DESCRIPTOR_HANDLE handle)
+/// What a creator has left behind goes through the core's hands once more.
+long blessed(int32_t status, const DFTI_DESCRIPTOR_HANDLE *handle)
 {
     if (status == DFTI_NO_ERROR)
-        xkl_dft_bless_node_thr(handle);
+        xkl_dft_bless_node_thr(*handle);
     return status;
 }
 
@@ -53,7 +54,7 @@ long create(DFTI_DESCRIPTOR_HANDLE *handle, const creators &by, int domain, int6
     creator *const make = by.of(domain);
     if (!make)
         return DFTI_INVALID_CONFIGURATION;
-    return blessed(make(handle, static_cast<int32_t>(dimension), lengths, 0), *handle);
+    return blessed(make(handle, static_cast<int32_t>(dimension), lengths, 0), handle);
 }
 
 long create_from_vector(DFTI_DESCRIPTOR_HANDLE *handle, const creators &by, int domain, int64_t dimension,
@@ -71,7 +72,7 @@ long create_line(DFTI_DESCRIPTOR_HANDLE *handle, const line_creators &by, int do
     line_creator *const make = by.of(domain);
     if (length <= 0 || !make)
         return DFTI_INVALID_CONFIGURATION;
-    return blessed(make(handle, length, 0), *handle);
+    return blessed(make(handle, length, 0), handle);
 }
 
 /// What comes first in every creation: a place for the handle, which no refusal leaves as it was.

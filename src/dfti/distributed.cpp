@@ -3,14 +3,14 @@
 #include "dfti/distributed.h"
 
 #include "core_dfti.h"
-#include "dfti/core_services.h"
+#include "dft/communicators.h"
 
 namespace {
 
 /// Null where the core knows no message passing library.
 void *communicator_of(int32_t fortran_communicator)
 {
-    const auto *wrappers = static_cast<const xkl_mpi_wrappers *>(xkl_serv_get_mpi_wrappers());
+    const xkl_mpi_wrappers *const wrappers = xkl_serv_get_mpi_wrappers();
     if (!wrappers || !wrappers->communicator_of_fortran)
         return nullptr;
     return wrappers->communicator_of_fortran(fortran_communicator);

@@ -1,12 +1,7 @@
-// Transforms over several processes, as their Fortran module calls them, and what the core offers for them.
+// Transforms over several processes, as their Fortran module calls them.
 #pragma once
 
 #include "xkl_dfti.h"
-
-/// What the core knows of the program's message passing library. Null entries are not offered.
-struct xkl_mpi_wrappers {
-    void *(*communicator_of_fortran)(int32_t communicator);
-};
 
 extern "C" {
 

@@ -41,6 +41,8 @@ struct lapacke_row {
 
 extern const routine_row blas_rows[];
 extern const int blas_row_count;
+extern const routine_row dfti_rows[];
+extern const int dfti_row_count;
 extern const routine_row lapack_rows[];
 extern const int lapack_row_count;
 extern const routine_row matcopy_rows[];

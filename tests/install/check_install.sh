@@ -36,18 +36,19 @@ for file in "$prefix"/lib/*.so "$prefix"/bin/*; do
 done
 
 step "each header stands alone, in C and in C++, old and new"
-for header in "$prefix"/include/xkl/*.h; do
+for header in "$prefix"/include/xkl/*.h "$prefix"/include/xkl/fftw/*.h; do
     for language in "c -std=c99" c "c++ -std=c++11" c++; do
         # shellcheck disable=SC2086 # a language and its year
         echo "#include \"$header\"" |
-            cc -x $language -Wall -Wextra -Wpedantic -Werror -fsyntax-only "-I$prefix/include/xkl" - ||
+            cc -x $language -Wall -Wextra -Wpedantic -Werror -fsyntax-only "-I$prefix/include/xkl" "-I$prefix/include/xkl/fftw" - ||
             fail "$header does not stand alone in $language"
     done
 done
 
 step "each Fortran module stands alone, within the standard's columns"
-for module in "$prefix"/include/xkl/*.f90; do
-    gfortran -std=f2018 -fdefault-integer-8 -Wline-truncation -Werror -fsyntax-only -J "$scratch" "$module" ||
+for module in "$prefix"/include/xkl/*.f90 "$prefix"/include/xkl/fftw/*.f90; do
+    gfortran -std=f2018 -fdefault-integer-8 -Wline-truncation -Werror -fsyntax-only -J "$scratch" \
+        "-I$prefix/include/xkl/fftw" "$module" ||
         fail "$module is not standard Fortran"
 done
 
@@ -55,7 +56,9 @@ step "a CMake project"
 cmake -S "$users" -B "$scratch/cmake" -DCMAKE_PREFIX_PATH="$prefix" >"$scratch/cmake.log" ||
     fail "find_package(xkl) failed: $(cat "$scratch/cmake.log")"
 cmake --build "$scratch/cmake" >"$scratch/cmake.log" 2>&1 || fail "$(cat "$scratch/cmake.log")"
-for user in c_user cpp_user usual_user usual_user_as_cpp fortran_user; do "$scratch/cmake/$user"; done
+for user in c_user cpp_user usual_user usual_user_as_cpp fftw_user fftw_user_fortran fortran_user; do
+    "$scratch/cmake/$user"
+done
 
 cd "$scratch"
 export LD_LIBRARY_PATH="$prefix/lib"

@@ -117,6 +117,18 @@ expect_kernel 'three numbers' 'Exp s exponential 1,1'
 expect_kernel 'three numbers' 'Exp s exponential 1,1,1,1'
 expect_kernel 'has a kernel already' 'Exp s exponential 1,1,1
 Exp s exponential 1,1,1'
+expect_fftw() {
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" fftw-frames --fftw "$scratch/wrong.tbl"
+}
+expect_fftw 'a row is `constant NAME VALUE`' 'routines both cleanup - -'
+expect_fftw 'a row is `constant NAME VALUE`' 'constant FFTW_MEASURE'
+expect_fftw 'a name of its own' 'data cc
+data cc'
+expect_fftw 'not for `Fortran`' 'routine Fortran cleanup - -'
+expect_fftw 'unknown kind `complx`' 'routine C execute_dft - p:plan in:complx'
+expect_fftw 'is not an argument' 'routine C execute - plan'
+expect_fftw 'has no form by address' 'routine both malloc pointer n:size'
 expect_setting 'a row has the columns' 'SetMode mode'
 expect_setting 'a row has the columns' 'SetMode mode -'
 expect_setting 'a row has the columns' 'SetMode integer mode'
