@@ -1,4 +1,5 @@
-// Fourier transforms through descriptors, beside FFTW called directly with the same planning, in turn.
+// Fourier transforms through descriptors, beside FFTW called directly with the same planning: the best times
+// of a second in which they take turns.
 // usage: bench_transforms LIBFFTW3_SHARED_LIBRARY
 // FFTW comes by dlopen and keeps to itself, because our library has its names too.
 #include "xkl_dfti.h"
@@ -22,12 +23,6 @@ double seconds()
 {
     using namespace std::chrono;
     return duration<double>(steady_clock::now().time_since_epoch()).count();
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 struct fftw {
@@ -138,19 +133,18 @@ void compare(const fftw &library, const workload &of)
     theirs();
     ours();
     threaded();
-    const auto count = std::max<int64_t>(static_cast<int64_t>(5e-3 / time_of(theirs, 1)), 1);
-    std::vector<double> a, b, c, ratio;
-    for (int round = 0; round < 11; ++round) {
-        a.push_back(time_of(ours, count));
-        b.push_back(time_of(theirs, count));
-        c.push_back(time_of(threaded, count));
-        ratio.push_back(a.back() / b.back());
+    const auto count = std::max<int64_t>(static_cast<int64_t>(1e-3 / time_of(theirs, 1)), 1);
+    double a = 1e9, b = 1e9, c = 1e9;
+    const double end = seconds() + 1;
+    for (int round = 0; round < 7 || seconds() < end; ++round) {
+        a = std::min(a, time_of(ours, count));
+        b = std::min(b, time_of(theirs, count));
+        c = std::min(c, time_of(threaded, count));
     }
-    const double nanoseconds = (median(a) - median(b)) * 1e9;
-    std::printf("%-26s %12.2f us %12.2f us   ratio %.3f %12.2f us", of.name, median(a) * 1e6,
-                median(b) * 1e6, median(ratio), median(c) * 1e6);
+    std::printf("%-26s %12.2f us %12.2f us   ratio %.3f %12.2f us", of.name, a * 1e6, b * 1e6, a / b,
+                c * 1e6);
     if (of.points() * of.batch < 1000)
-        std::printf("   a call costs %.0f ns over FFTW's", nanoseconds);
+        std::printf("   a call costs %.0f ns over FFTW's", (a - b) * 1e9);
     std::printf("\n");
     library.destroy(plan);
     DftiFreeDescriptor(&one);

@@ -44,9 +44,10 @@ set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
 
 # xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s] [VSL t...]
-#              [FFTW f] [OPTION text])
+#              [FFTW f] [TEMPLATE f] [OPTION text])
 function(xkl_generate output command)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;FFTW;OPTION" "TABLES;PROVIDERS;LAPACKE;VSL")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;FFTW;TEMPLATE;OPTION"
+      "TABLES;PROVIDERS;LAPACKE;VSL")
   set(words ${command} -o ${output})
   if(arg_TABLES)
     list(APPEND words --tables ${arg_TABLES})
@@ -66,6 +67,9 @@ function(xkl_generate output command)
   if(arg_FFTW)
     list(APPEND words --fftw ${arg_FFTW})
   endif()
+  if(arg_TEMPLATE)
+    list(APPEND words --template ${arg_TEMPLATE})
+  endif()
   if(arg_LAPACKE)
     list(APPEND words --lapacke ${arg_LAPACKE})
   endif()
@@ -79,7 +83,7 @@ function(xkl_generate output command)
     OUTPUT ${output}
     COMMAND tablegen ${words}
     DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE} ${arg_VML} ${arg_SETTINGS} ${arg_VSL}
-            ${arg_FFTW}
+            ${arg_FFTW} ${arg_TEMPLATE}
     COMMENT "tablegen ${command}"
     VERBATIM)
 endfunction()

@@ -20,7 +20,8 @@ namespace {
 
 const char usage[] =
     R"(usage: tablegen COMMAND [-o FILE] [--tables FILE...] [--shapes FILE] [--providers FILE...] [--lapacke FILE...]
-                        [--vml FILE] [--settings FILE] [--vsl FILE...] [--fftw FILE] [--option TEXT]
+                        [--vml FILE] [--settings FILE] [--vsl FILE...] [--fftw FILE]
+                        [--template FILE] [--option TEXT]
 commands:
   frames         bodies and checkers under every spelling   (--option: header of the family's checks)
   frame-header   bodies and checkers, declared
@@ -34,6 +35,7 @@ commands:
   helper-header  public prototypes of LAPACKE's helpers     (--option: name of the header)
   lapacke-header public prototypes of LAPACKE               (--lapacke)
   fortran        a Fortran module of explicit interfaces
+  dfti-fortran   the Fortran module of the Fourier transforms (--template)
   core-header    prototypes of the core's entries
   core-forwards  the default core's forwards and stand-ins  (--providers)
   core-own       the default core's own entries             (--providers; --option: their header)
@@ -64,7 +66,7 @@ commands:
 )";
 
 struct request {
-    std::string command, output, shapes, vml, settings, fftw, option;
+    std::string command, output, shapes, vml, settings, fftw, module, option;
     std::vector<std::string> tables, providers, lapacke, vsl;
 };
 
@@ -97,6 +99,8 @@ request parse(int argc, char **argv)
             asked.settings = word;
         else if (option == "--fftw")
             asked.fftw = word;
+        else if (option == "--template")
+            asked.module = word;
         else if (option == "--option")
             asked.option = word;
         else
@@ -165,6 +169,7 @@ void run(const request &asked, std::ostream &out)
         {"c-header", [&] { print_c_header(out, rows, asked.option); }},
         {"cblas-header", [&] { print_cblas_header(out, shapes); }},
         {"fortran", [&] { print_fortran_module(out, rows); }},
+        {"dfti-fortran", [&] { print_dfti_module(out, rows, asked.module); }},
         {"core-header", [&] { print_core_header(out, rows); }},
         {"core-forwards", [&] { print_core_forwards(out, rows, providers); }},
         {"core-own", [&] { print_core_own(out, rows, providers, asked.option); }},
@@ -220,7 +225,7 @@ void run(const request &asked, std::ostream &out)
         "exports",        "version-script", "fortran",           "formats",     "show",
         "c-header",       "cblas-header",   "companion-exports", "vml-header",  "vml-fortran",
         "helper-header",  "lapacke-header", "vsl-header",        "vsl-fortran", "fftw-header",
-        "fftw-constants", "fftw-fortran"};
+        "fftw-constants", "fftw-fortran",   "dfti-fortran"};
     if (!plain_text.contains(asked.command))
         out << "// Made by `tablegen " << asked.command << "`; change the tables instead of this file.\n";
     command->second();

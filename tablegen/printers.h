@@ -25,6 +25,7 @@ void print_c_header(std::ostream &out, const routines &rows, const std::string &
 void print_cblas_header(std::ostream &out, const std::vector<shaped> &rows);
 void print_helper_header(std::ostream &out, const routines &rows, const std::string &header);
 void print_fortran_module(std::ostream &out, const routines &rows);
+void print_dfti_module(std::ostream &out, const routines &rows, const std::string &file);
 
 // Cores: the entries' prototypes, the default core's forwards, stand-ins and own entries, and two cores for
 // tests and measurements.

@@ -124,6 +124,8 @@ frame_spec parse_frame(const reader &at, std::string text)
         at.fail(
             "a checked, guarded or valued frame names its checks (`checked:gemm`), a helper its template "
             "(`helper:tr_trans`), and no other frame has a rule");
+    if (frame.option == "here" && frame.kind != "through")
+        at.fail("only what a through frame calls can be `/here`, in this library");
     if (frame.group && frame.kind != "checked" && frame.kind != "traced")
         at.fail("only checked and traced frames have a group form");
     return frame;

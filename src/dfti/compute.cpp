@@ -9,9 +9,9 @@ using namespace xkl::dfti;
 
 namespace {
 
-/// The data of a call; what a descriptor does not take is null.
-struct arrays {
-    void *first, *second, *third, *fourth;
+/// What a call has besides its first pointer; what a descriptor does not take is null.
+struct further_data {
+    void *second = nullptr, *third = nullptr, *fourth = nullptr;
 };
 
 template <direction Way>
@@ -33,30 +33,26 @@ int32_t refusal(DFTI_DESCRIPTOR_HANDLE handle, const void *x)
 }
 
 template <direction Way>
-int32_t call(DFTI_DESCRIPTOR_HANDLE handle, const arrays &data)
-{
-    return routine_of<Way>(*handle)(handle, data.first, data.second, data.third, data.fourth, nullptr);
-}
-
-template <direction Way>
-[[gnu::cold, gnu::noinline]] int32_t call_traced(DFTI_DESCRIPTOR_HANDLE handle, const arrays &data)
+[[gnu::cold, gnu::noinline]] int32_t compute_traced(DFTI_DESCRIPTOR_HANDLE handle, void *x, void *second,
+                                                    void *third, void *fourth)
 {
     const xkl::stopwatch watch;
-    const int32_t status = call<Way>(handle, data);
-    print_trace_line(watch.elapsed(), Way, handle, data.first, data.second);
+    const int32_t status = routine_of<Way>(*handle)(handle, x, second, third, fourth, nullptr);
+    print_trace_line(watch.elapsed(), Way, handle, x, second);
     return status;
 }
 
 template <direction Way>
-int32_t compute(DFTI_DESCRIPTOR_HANDLE handle, const arrays &data)
+[[gnu::always_inline]] inline int32_t compute(DFTI_DESCRIPTOR_HANDLE handle, void *x, void *second,
+                                              void *third, void *fourth)
 {
     if (__atomic_load_n(xkl_serv_verbose_mode(), __ATOMIC_RELAXED)) [[unlikely]]
-        return call_traced<Way>(handle, data);
-    return call<Way>(handle, data);
+        return compute_traced<Way>(handle, x, second, third, fourth);
+    return routine_of<Way>(*handle)(handle, x, second, third, fourth, nullptr);
 }
 
 /// Takes as many further pointers from the list as the descriptor says; false if one of them is null.
-bool read_further(int32_t count, va_list tail, arrays &data)
+bool read_further(int32_t count, va_list tail, further_data &data)
 {
     if (count >= 2 && !(data.second = va_arg(tail, void *)))
         return false;
@@ -70,10 +66,10 @@ int32_t compute_listed(DFTI_DESCRIPTOR_HANDLE handle, void *x, va_list tail)
 {
     if (const int32_t status = refusal<Way>(handle, x); status != DFTI_NO_ERROR)
         return status;
-    arrays data = {x, nullptr, nullptr, nullptr};
+    further_data data;
     if (!read_further(handle->array_count, tail, data))
         return DFTI_INCONSISTENT_CONFIGURATION;
-    return compute<Way>(handle, data);
+    return compute<Way>(handle, x, data.second, data.third, data.fourth);
 }
 
 template <direction Way>
@@ -81,7 +77,7 @@ int32_t compute_fixed(DFTI_DESCRIPTOR_HANDLE handle, void *x, void *y)
 {
     if (const int32_t status = refusal<Way>(handle, x); status != DFTI_NO_ERROR)
         return status;
-    return compute<Way>(handle, {x, y, nullptr, nullptr});
+    return compute<Way>(handle, x, y, nullptr, nullptr);
 }
 
 } // namespace

@@ -110,6 +110,14 @@ const xkl_dft_operations all_operations = fake_operations();
 
 } // namespace
 
+void PrintTo(const operation_call &call, std::ostream *out)
+{
+    *out << call.name << "(" << static_cast<const void *>(call.handle);
+    for (const int64_t each : call.arguments)
+        *out << ", " << each;
+    *out << ")";
+}
+
 xkl_dft_operations fake_operations()
 {
     using fake = fake_descriptor;

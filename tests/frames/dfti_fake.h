@@ -5,7 +5,7 @@
 #include "dft/descriptor.h"
 #include "recorder.h"
 
-#include <deque>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -36,6 +36,9 @@ struct operation_call {
 
     bool operator==(const operation_call &) const = default;
 };
+
+/// What a failed test shows.
+void PrintTo(const operation_call &call, std::ostream *out);
 
 /// All calls of all fake descriptors, in order; emptied by the tests.
 extern std::vector<operation_call> operation_calls;

@@ -75,19 +75,6 @@ void start_precision()
     library<T>::set_parallel_loop(parallel_loop, nullptr);
 }
 
-// How far from its first element an array reaches, downwards and upwards.
-struct reach {
-    int64_t low = 0;
-    int64_t high = 0;
-
-    void add(int64_t length, int64_t stride)
-    {
-        const int64_t last = (length - 1) * stride;
-        (last < 0 ? low : high) += last;
-    }
-    int64_t size() const { return high - low + 1; }
-};
-
 // Stand-ins for the user's arrays. An estimate looks at no element, so that addresses alone will do.
 class planning_arrays {
   public:
@@ -107,7 +94,7 @@ class planning_arrays {
     planning_arrays(const planning_arrays &) = delete;
     planning_arrays &operator=(const planning_arrays &) = delete;
 
-    bool real() const { return in_block_ && out_block_; }
+    bool real() const { return real_; }
     template <class Element>
     Element *in() const
     {
@@ -120,37 +107,35 @@ class planning_arrays {
     }
 
   private:
+    // Strides of a request are never below zero. The room is that of complex elements on either side.
     void allocate(const plan_request &wanted, size_t element)
     {
-        reach in, out;
+        int64_t in = 1, out = 1;
         const auto add = [&](const dimension &each) {
-            in.add(each.length, each.in_stride);
-            out.add(each.length, each.out_stride);
+            in += (each.length - 1) * each.in_stride;
+            out += (each.length - 1) * each.out_stride;
         };
         std::for_each_n(wanted.sides, wanted.rank, add);
         std::for_each_n(wanted.batches, wanted.batch_rank, add);
-        // Complex elements, whatever the side holds: twice the room that a real side needs.
-        const auto bytes = [&](const reach &side) {
-            return static_cast<size_t>(side.size() + 8) * 2 * element;
+        const auto bytes = [&](int64_t elements) {
+            return static_cast<size_t>(elements + 1) * 2 * element;
         };
-        const size_t common = std::max(bytes(in), bytes(out));
-        const int64_t low = std::min(in.low, out.low);
-        const auto first = [&](void *block, int64_t lowest) {
-            return static_cast<char *>(block) + ((-lowest + 7) / 8 * 8) * 2 * static_cast<int64_t>(element);
-        };
-        in_block_ = host->allocate(wanted.in_place ? common : bytes(in), 64);
-        out_block_ = host->allocate(wanted.in_place ? 64 : bytes(out), 64);
-        if (!real())
+        const size_t first = bytes(wanted.in_place ? std::max(in, out) : in);
+        in_block_ = host->allocate(first, 64);
+        out_block_ = wanted.in_place ? nullptr : host->allocate(bytes(out), 64);
+        if (!in_block_ || (!out_block_ && !wanted.in_place))
             return;
-        std::memset(in_block_, 0, wanted.in_place ? common : bytes(in));
-        in_ = first(in_block_, wanted.in_place ? low : in.low);
-        out_ = wanted.in_place ? in_ : first(out_block_, out.low);
+        std::memset(in_block_, 0, first);
+        in_ = in_block_;
+        out_ = wanted.in_place ? in_ : out_block_;
+        real_ = true;
     }
 
     void *in_;
     void *out_;
     void *in_block_ = nullptr;
     void *out_block_ = nullptr;
+    bool real_ = false;
 };
 
 template <class T>

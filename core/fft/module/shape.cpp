@@ -16,7 +16,7 @@ constexpr double bytes_in_cache = 256 * 1024;
 constexpr int64_t least_interleaved = 16;
 
 // Less work than this is done before another thread has woken up, in floating-point operations.
-constexpr double work_to_share = 2.5e6;
+constexpr double work_to_share = 5e6;
 
 // One dimension of packed data with unit stride is laid out as complex elements are.
 bool ccs_is_complex(const problem &given)
