@@ -21,7 +21,8 @@ install(TARGETS xkl_quorl_ilp64 xkl_quorl_gf_ilp64 xkl_core xkl_kernels xkl_publ
 install(TARGETS xkl_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${XKL_HEADER_FILES} ${PROJECT_SOURCE_DIR}/include/xkl.h ${PROJECT_SOURCE_DIR}/include/xkl_types.h
     ${PROJECT_SOURCE_DIR}/include/xkl_service_types.h ${PROJECT_SOURCE_DIR}/include/xkl_lapacke_types.h
-    ${PROJECT_SOURCE_DIR}/include/xkl_vml_types.h
+    ${PROJECT_SOURCE_DIR}/include/xkl_vml_types.h ${PROJECT_SOURCE_DIR}/include/xkl_sparse_types.h
+    ${PROJECT_SOURCE_DIR}/include/xkl_solver_types.h
     DESTINATION ${header_directory})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/compat DESTINATION ${header_directory})
 install(EXPORT xklTargets NAMESPACE xkl:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/xkl)

@@ -31,7 +31,7 @@ commands:
   cblas-header   public prototypes of the C interface       (--shapes)
   helper-header  public prototypes of LAPACKE's helpers     (--option: name of the header)
   lapacke-header public prototypes of LAPACKE               (--lapacke)
-  fortran        a Fortran module of explicit interfaces
+  fortran        a Fortran module of explicit interfaces    (--option: C header of its constants, if any)
   core-header    prototypes of the core's entries
   core-forwards  the default core's forwards and stand-ins  (--providers)
   core-own       the default core's own entries             (--providers; --option: their header)
@@ -147,7 +147,7 @@ void run(const request &asked, std::ostream &out)
         {"companion-exports", [&] { print_companion_exports(out, rows); }},
         {"c-header", [&] { print_c_header(out, rows, asked.option); }},
         {"cblas-header", [&] { print_cblas_header(out, shapes); }},
-        {"fortran", [&] { print_fortran_module(out, rows); }},
+        {"fortran", [&] { print_fortran_module(out, rows, asked.option); }},
         {"core-header", [&] { print_core_header(out, rows); }},
         {"core-forwards", [&] { print_core_forwards(out, rows, providers); }},
         {"core-own", [&] { print_core_own(out, rows, providers, asked.option); }},

@@ -5,7 +5,11 @@
 #include "names.h"
 #include "printers.h"
 
+#include <algorithm>
+#include <fstream>
+#include <map>
 #include <ostream>
+#include <regex>
 
 namespace tablegen {
 namespace {
@@ -26,15 +30,65 @@ std::string wrapped(const std::string &text)
     return result + line;
 }
 
+/// Routines whose Fortran name is all capitals and takes no underscore.
+std::string binding(const routine &row)
+{
+    return row.is_reading() ? " &\n            bind(c, name='" + mixed_body(row) + "')" : "";
+}
+
+/// Types that the interfaces of a module name.
+const std::map<std::string, const char *> derived_types = {
+    {"spblas", "  type, bind(c) :: sparse_matrix_t\n"
+               "    type(c_ptr) :: ptr = c_null_ptr\n"
+               "  end type sparse_matrix_t\n"
+               "  type, bind(c) :: matrix_descr\n"
+               "    integer(4) :: type, mode, diag\n"
+               "  end type matrix_descr\n"},
+    {"solvers", "  type, bind(c) :: sparse_struct\n"
+                "    integer(8) :: n\n"
+                "    type(c_ptr) :: csr_ia, csr_ja\n"
+                "    integer(4) :: indexing, matrix_structure, print_style, message_level\n"
+                "    integer(8) :: check_result(3)\n"
+                "  end type sparse_struct\n"}};
+
+bool needs_import(const std::string &declaration)
+{
+    return declaration.starts_with("type(") && !declaration.starts_with("type(*)");
+}
+
+/// The constants of a C header: `#define NAME (-1)` and `NAME = 1` in enumerations, which are 32-bit.
+void print_constants(std::ostream &out, const std::string &header)
+{
+    static const std::regex definition(R"(#define (XKL_\w+) \(?(-?\d+)\)?.*)"),
+        value(R"( +(\w+) = (\d+).*)");
+    std::ifstream in(header);
+    if (!in)
+        throw table_error(header + ": can't be opened; it is the header whose constants Fortran gets");
+    std::smatch found;
+    for (std::string line; std::getline(in, line);) {
+        const bool wide = std::regex_match(line, found, definition);
+        if (wide || std::regex_match(line, found, value))
+            out << "  integer(" << (wide ? 8 : 4) << "), parameter :: " << found[1] << " = " << found[2]
+                << (wide ? "_8" : "") << "\n";
+    }
+}
+
 void print_interface(std::ostream &out, const routine &row)
 {
-    const bool function = row.result != "-";
+    const bool function = is_fortran_function(row);
     const std::string kind = function ? "function" : "subroutine";
+    std::vector<argument> arguments = row.arguments;
+    std::erase_if(arguments, is_hidden);
     if (!row.about.empty())
         out << "    ! " << row.about << "\n";
-    out << "    " << wrapped(kind + " " + row.lower() + "(" + argument_names(row.arguments) + ")") << "\n";
-    for (const argument &each : row.arguments) {
-        std::string shape;
+    out << "    " << wrapped(kind + " " + row.lower() + "(" + argument_names(arguments) + ")")
+        << binding(row) << "\n";
+    std::string shape;
+    if (std::any_of(arguments.begin(), arguments.end(), [&](const argument &each) {
+            return needs_import(fortran_declaration(each, row.element, shape));
+        }))
+        out << "      import\n";
+    for (const argument &each : arguments) {
         const std::string declaration = fortran_declaration(each, row.element, shape);
         out << "      " << declaration << each.name << shape << "\n";
     }
@@ -45,13 +99,22 @@ void print_interface(std::ostream &out, const routine &row)
 
 } // namespace
 
-void print_fortran_module(std::ostream &out, const routines &rows)
+void print_fortran_module(std::ostream &out, const routines &rows, const std::string &constants)
 {
     const std::string module = "xkl_" + rows.front().family;
     out << "! " << module << ".f90: explicit interfaces of the library's routines, 64-bit integers.\n"
         << "! Compile this file with the program that uses it: module files belong to one compiler.\n"
         << "! Arrays of addresses (batch routines) are integer(8) arrays filled from c_loc or loc.\n"
-        << "module " << module << "\n  implicit none\n  interface\n";
+        << "module " << module << "\n";
+    const auto types = derived_types.find(rows.front().family);
+    if (types != derived_types.end())
+        out << "  use, intrinsic :: iso_c_binding, only: c_ptr, c_null_ptr\n";
+    out << "  implicit none\n";
+    if (types != derived_types.end())
+        out << types->second;
+    if (!constants.empty())
+        print_constants(out, constants);
+    out << "  interface\n";
     for (const routine &row : rows)
         print_interface(out, row);
     out << "  end interface\nend module " << module << "\n";

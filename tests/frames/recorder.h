@@ -71,6 +71,10 @@ inline int64_t recorded_bits(double value)
 {
     return std::bit_cast<int64_t>(value);
 }
+/// How a matrix descriptor comes by value.
+struct recorded_descriptor {
+    int32_t type, mode, diag;
+};
 int64_t recorded_integer();
 double recorded_real();
 

@@ -1,0 +1,33 @@
+// Solver frames: install what the core's solvers call back, and make the core call. Nothing is checked.
+//
+// The callbacks are set on every call, so that a routine which the program replaced between two calls counts
+// at the next one. Their addresses come from the dynamic symbol table, where the program's own routine of
+// the same name comes first.
+#pragma once
+
+#include "core_service.h"
+#include "frame/core_call.h"
+#include "frame/core_text.h"
+#include "xkl_service.h"
+
+namespace xkl {
+
+/// Of solvers on clusters: these report no errors and ask nobody about pivots.
+template <class Row, class... A>
+[[gnu::always_inline]] inline auto cluster_frame(A... arguments)
+{
+    xkl_serv_set_progress_interface(cdecl_progress);
+    return call_core<Row>(arguments...);
+}
+
+/// Errors, progress and pivots, in this order.
+template <class Row, class... A>
+[[gnu::always_inline]] inline auto solver_frame(A... arguments)
+{
+    xkl_serv_set_xerbla_interface(cdecl_xerbla);
+    xkl_serv_set_progress_interface(cdecl_progress);
+    xkl_serv_set_pardiso_pivot(cdecl_pardiso_pivot);
+    return call_core<Row>(arguments...);
+}
+
+} // namespace xkl
