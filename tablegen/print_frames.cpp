@@ -140,16 +140,14 @@ std::string core_parameter_list(const routine &row, bool named)
 
 void print_frames(std::ostream &out, const routines &rows, const std::string &checks_header)
 {
+    if (rows.front().is_reading())
+        return print_reading_frames(out, rows);
     if (!checks_header.empty())
         out << "#include \"" << checks_header << "\"\n";
     out << "#include \"frame/frames.h\"\n#include \"" << rows.front().family << "_frames.h\"\n";
     for (const routine &row : rows) {
         if (row.frame.kind == "own")
             continue;
-        if (row.is_reading()) {
-            print_reading_bodies(out, row);
-            continue;
-        }
         out << "\n// " << row.name << ": " << row.place << ", frame `" << row.frame.kind << "` (src/frame/"
             << row.frame.kind << ".h)\nnamespace {\n";
         print_row(out, row);

@@ -9,12 +9,6 @@
 namespace tablegen {
 namespace {
 
-void print_alias(std::ostream &out, const std::string &body, const std::string &name)
-{
-    out << "extern \"C\" decltype(" << body << ") " << name << " __attribute__((alias(\"" << body
-        << "\")));\n";
-}
-
 struct fortran_lists {
     std::string parameters, passed;
 };
@@ -30,20 +24,36 @@ fortran_lists fortran_lists_of(const routine &row)
     return lists;
 }
 
+/// One jump, written out and without a list: a compiler would copy what lies on the stack, and clear upper
+/// halves of registers.
+void print_jump(std::ostream &out, const routine &row, const std::string &name)
+{
+    out << "extern \"C\" [[gnu::naked]] void " << name << "()\n{\n    asm(\"jmp " << core_entry(row)
+        << "@PLT\");\n}\n";
+}
+
+void print_bodies(std::ostream &out, const routine &row)
+{
+    const std::string body = body_symbol(row), fortran = mixed_body(row), result = c_result(row);
+    const fortran_lists lists = fortran_lists_of(row);
+    out << "\n// " << row.name << ": " << row.place << "\n";
+    for (const std::string &name : public_spellings(row))
+        print_jump(out, row, name);
+    out << "extern \"C\" " << result << " " << fortran << "(" << lists.parameters << ")\n{\n    return "
+        << core_entry(row) << "(" << lists.passed << ");\n}\n";
+    for (const std::string &name : other_spellings(row))
+        out << "extern \"C\" decltype(" << fortran << ") " << fortran << name.substr(body.size())
+            << " __attribute__((alias(\"" << fortran << "\")));\n";
+}
+
 } // namespace
 
-void print_reading_bodies(std::ostream &out, const routine &row)
+/// The public header stays away: it has the lists that the C names are defined without.
+void print_reading_frames(std::ostream &out, const routines &rows)
 {
-    const std::string body = body_symbol(row), fortran = mixed_body(row);
-    const fortran_lists lists = fortran_lists_of(row);
-    out << "\n// " << row.name << ": " << row.place << "\nextern \"C\" " << c_result(row) << " " << body
-        << "(" << parameter_list(row) << ")\n{\n    return " << core_entry(row) << "("
-        << argument_names(row.arguments) << ");\n}\nextern \"C\" " << c_result(row) << " " << fortran << "("
-        << lists.parameters << ")\n{\n    return " << core_entry(row) << "(" << lists.passed << ");\n}\n";
-    for (const std::string &name : other_spellings(row)) {
-        print_alias(out, body, name);
-        print_alias(out, fortran, fortran + name.substr(body.size()));
-    }
+    out << "#include \"core_" << rows.front().family << ".h\"\n";
+    for (const routine &row : rows)
+        print_bodies(out, row);
 }
 
 } // namespace tablegen

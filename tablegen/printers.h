@@ -56,7 +56,7 @@ std::string core_parameter_list(const routine &row,
 std::string argument_names(const std::vector<argument> &args); // transa, ...
 std::string valued_parameter_list(const routine &row,
                                   bool named = true); // char ordering, ..., double alpha, ...
-void print_reading_bodies(std::ostream &out, const routine &row);
+void print_reading_frames(std::ostream &out, const routines &rows);
 std::string public_header(const std::string &family);             // xkl_blas.h
 std::vector<std::string> type_headers(const std::string &family); // what it includes
 void print_valued_row(std::ostream &out, const routine &row);
