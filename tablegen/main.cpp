@@ -113,7 +113,7 @@ void show(std::ostream &out, const routines &rows, const std::string &name)
     else if (found->frame.kind == "helper")
         print_helpers(out, {*found});
     else
-        print_frames(out, {*found}, found->family + "/checks.h");
+        print_frames(out, {*found}, found->has_checker() ? found->family + "/checks.h" : "");
 }
 
 void run(const request &asked, std::ostream &out)

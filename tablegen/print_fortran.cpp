@@ -42,14 +42,28 @@ const std::map<std::string, const char *> derived_types = {
                "    type(c_ptr) :: ptr = c_null_ptr\n"
                "  end type sparse_matrix_t\n"
                "  type, bind(c) :: matrix_descr\n"
-               "    integer(4) :: type, mode, diag\n"
+               "    integer(c_int32_t) :: type, mode, diag\n"
                "  end type matrix_descr\n"},
     {"solvers", "  type, bind(c) :: sparse_struct\n"
-                "    integer(8) :: n\n"
+                "    integer(c_int64_t) :: n\n"
                 "    type(c_ptr) :: csr_ia, csr_ja\n"
-                "    integer(4) :: indexing, matrix_structure, print_style, message_level\n"
-                "    integer(8) :: check_result(3)\n"
+                "    integer(c_int32_t) :: indexing, matrix_structure, print_style, message_level\n"
+                "    integer(c_int64_t) :: check_result(3)\n"
                 "  end type sparse_struct\n"}};
+
+/// The same type by the name of C's, which compilers want to see in what is bound to C.
+std::string interoperable(std::string type)
+{
+    static const std::map<std::string, std::string> kinds = {{"integer(4)", "integer(c_int32_t)"},
+                                                             {"integer(8)", "integer(c_int64_t)"},
+                                                             {"real(4)", "real(c_float)"},
+                                                             {"real(8)", "real(c_double)"},
+                                                             {"complex(4)", "complex(c_float_complex)"},
+                                                             {"complex(8)", "complex(c_double_complex)"}};
+    const auto end = type.find(')') + 1;
+    const auto found = kinds.find(type.substr(0, end));
+    return found == kinds.end() ? type : found->second + type.substr(end);
+}
 
 bool needs_import(const std::string &declaration)
 {
@@ -77,6 +91,9 @@ void print_interface(std::ostream &out, const routine &row)
 {
     const bool function = is_fortran_function(row);
     const std::string kind = function ? "function" : "subroutine";
+    const auto typed = [&](const std::string &type) {
+        return row.is_reading() ? interoperable(type) : type;
+    };
     std::vector<argument> arguments = row.arguments;
     std::erase_if(arguments, is_hidden);
     if (!row.about.empty())
@@ -84,16 +101,16 @@ void print_interface(std::ostream &out, const routine &row)
     out << "    " << wrapped(kind + " " + row.lower() + "(" + argument_names(arguments) + ")")
         << binding(row) << "\n";
     std::string shape;
-    if (std::any_of(arguments.begin(), arguments.end(), [&](const argument &each) {
+    if (row.is_reading() || std::any_of(arguments.begin(), arguments.end(), [&](const argument &each) {
             return needs_import(fortran_declaration(each, row.element, shape));
         }))
         out << "      import\n";
     for (const argument &each : arguments) {
         const std::string declaration = fortran_declaration(each, row.element, shape);
-        out << "      " << declaration << each.name << shape << "\n";
+        out << "      " << typed(declaration) << each.name << shape << "\n";
     }
     if (function)
-        out << "      " << fortran_result(row) << " :: " << row.lower() << "\n";
+        out << "      " << typed(fortran_result(row)) << " :: " << row.lower() << "\n";
     out << "    end " << kind << " " << row.lower() << "\n";
 }
 
@@ -108,7 +125,8 @@ void print_fortran_module(std::ostream &out, const routines &rows, const std::st
         << "module " << module << "\n";
     const auto types = derived_types.find(rows.front().family);
     if (types != derived_types.end())
-        out << "  use, intrinsic :: iso_c_binding, only: c_ptr, c_null_ptr\n";
+        out << "  use, intrinsic :: iso_c_binding, only: c_ptr, c_null_ptr, c_int32_t, c_int64_t, &\n"
+               "    c_float, c_double, c_float_complex, c_double_complex\n";
     out << "  implicit none\n";
     if (types != derived_types.end())
         out << types->second;

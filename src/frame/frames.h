@@ -3,6 +3,7 @@
 
 #include "frame/appending.h"
 #include "frame/checked.h"
+#include "frame/cluster.h"
 #include "frame/guarded.h"
 #include "frame/registered.h"
 #include "frame/solver.h"

@@ -1,4 +1,4 @@
-// Solver frames: install what the core's solvers call back, and make the core call. Nothing is checked.
+// Solver frame: installs what the core's solvers call back, and makes the core call. Nothing is checked.
 //
 // The callbacks are set on every call, so that a routine which the program replaced between two calls counts
 // at the next one. Their addresses come from the dynamic symbol table, where the program's own routine of
@@ -12,15 +12,7 @@
 
 namespace xkl {
 
-/// Of solvers on clusters: these report no errors and ask nobody about pivots.
-template <class Row, class... A>
-[[gnu::always_inline]] inline auto cluster_frame(A... arguments)
-{
-    xkl_serv_set_progress_interface(cdecl_progress);
-    return call_core<Row>(arguments...);
-}
-
-/// Errors, progress and pivots, in this order.
+/// The three go in this order: errors, progress, pivots.
 template <class Row, class... A>
 [[gnu::always_inline]] inline auto solver_frame(A... arguments)
 {

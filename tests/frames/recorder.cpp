@@ -48,6 +48,7 @@ extern "C" {
 void xkl_serv_set_xerbla_interface(xkl_xerbla_handler handler)
 {
     registered = handler;
+    recorded.reporter = reinterpret_cast<const void *>(handler);
     recorded.order.push_back("register");
 }
 
@@ -62,6 +63,10 @@ void xkl_serv_xerbla(const char *name, const int64_t *position, int64_t length)
 void xkl_serv_default_xerbla(const char *, const int64_t *, int64_t)
 {
     ++recorded.default_reports;
+}
+void xkl_serv_set_progress_interface(xkl_progress_handler handler)
+{
+    record("xkl_serv_set_progress_interface", {reinterpret_cast<int64_t>(handler)});
 }
 int32_t xkl_serv_default_progress(const int64_t *, const int64_t *, const char *, int64_t)
 {

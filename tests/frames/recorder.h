@@ -43,10 +43,11 @@ struct recording {
     std::vector<trace_line> lines;
     std::vector<std::string>
         order; // the steps of all kinds, in order: register, clock, verbose_mode, report, line, entries
-    int default_reports = 0;    // those that went down the whole chain, to the core's default
-    int32_t verbose = 0;        // the live flag
-    std::vector<double> clock;  // readings to hand out; 1, 2, 3... when empty
-    int64_t integer_result = 0; // what entries return
+    const void *reporter = nullptr; // registered last, for errors
+    int default_reports = 0;        // those that went down the whole chain, to the core's default
+    int32_t verbose = 0;            // the live flag
+    std::vector<double> clock;      // readings to hand out; 1, 2, 3... when empty
+    int64_t integer_result = 0;     // what entries return
     double real_result = 0;
     bool forward_reports = true;                    // whether xkl_serv_xerbla calls the registered handler
     int failing_allocations = 0;                    // the next so many allocations return null
