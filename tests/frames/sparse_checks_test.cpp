@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <functional>
 #include <limits>
 #include <map>
 #include <random>
