@@ -9,6 +9,13 @@ int32_t *xkl_serv_verbose_mode(void)
     return &verbose_off;
 }
 
+/* As the default core does: frames store their handler here. */
+void xkl_serv_set_xerbla_interface(void (*handler)(void));
+struct {
+    void (*handler)(void);
+    void (*setter)(void (*)(void));
+} xkl_serv_xerbla_registration = {NULL, xkl_serv_set_xerbla_interface};
+
 int xkl_serv_snprintf_s(char *buffer, size_t size, size_t most, const char *format, ...)
 {
     (void)buffer, (void)size, (void)most, (void)format;

@@ -108,6 +108,13 @@ typedef enum {
  * from 1. */
 typedef void (*xkl_xerbla_handler)(const char *name, const int64_t *position, int64_t length);
 
+/* The core's record of who receives them, for frames that store a handler without a call. `setter` is the
+ * function that does the same by call; a core whose setter does more than store leaves it null. */
+typedef struct {
+    xkl_xerbla_handler handler;
+    void (*setter)(xkl_xerbla_handler handler);
+} xkl_xerbla_registration;
+
 /* Told about the progress of long computations; a nonzero return asks the computation to stop. */
 typedef int32_t (*xkl_progress_handler)(const int64_t *thread, const int64_t *step, const char *stage,
                                         int64_t length);

@@ -11,11 +11,6 @@
 
 namespace {
 
-// Written by xkl_serv_set_xerbla_interface on every checked call: the first link of the caller's reporter
-// chain. Null until the first such call. Not ordered with anything, as all callers of one interface library
-// store the same address.
-std::atomic<xkl_xerbla_handler> registered{nullptr};
-
 // Written by xkl_serv_set_xerbla: the user's handler at the end of the chain, null for the printed line.
 std::atomic<xkl_xerbla_handler> user_handler{nullptr};
 
@@ -53,14 +48,26 @@ void print_report(const char *name, const int64_t *position, int64_t length)
 
 extern "C" {
 
-void xkl_serv_set_xerbla_interface(xkl_xerbla_handler handler)
+static void store_handler(xkl_xerbla_handler handler);
+
+// The handler is written by frames and by xkl_serv_set_xerbla_interface on every checked call: the first link
+// of the caller's reporter chain. Null until the first such call. Not ordered with anything, as all callers of
+// one interface library store the same address.
+xkl_xerbla_registration xkl_serv_xerbla_registration = {nullptr, store_handler};
+
+static void store_handler(xkl_xerbla_handler handler)
 {
-    registered.store(handler, std::memory_order_relaxed);
+    __atomic_store_n(&xkl_serv_xerbla_registration.handler, handler, __ATOMIC_RELAXED);
 }
+
+// The record names the setter by another name: this one leads to another library's setter where a program has
+// put one in front, and by the difference frames know that they must call it.
+[[gnu::alias("store_handler")]] void xkl_serv_set_xerbla_interface(xkl_xerbla_handler handler);
 
 void xkl_serv_xerbla(const char *name, const int64_t *position, int64_t length)
 {
-    const xkl_xerbla_handler handler = registered.load(std::memory_order_relaxed);
+    const xkl_xerbla_handler handler =
+        __atomic_load_n(&xkl_serv_xerbla_registration.handler, __ATOMIC_RELAXED);
     (handler ? handler : xkl_serv_default_xerbla)(name, position, length);
 }
 

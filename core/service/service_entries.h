@@ -15,6 +15,8 @@ void xkl_serv_default_xerbla(const char *name, const int64_t *position, int64_t 
 int32_t xkl_serv_default_progress(const int64_t *thread, const int64_t *step, const char *stage,
                                   int64_t length);
 int32_t xkl_serv_default_pardiso_pivot(const double *diagonal, double *pivot, const double *threshold);
+// What frames store into instead of calling xkl_serv_set_xerbla_interface.
+extern xkl_xerbla_registration xkl_serv_xerbla_registration;
 void xkl_serv_set_progress_interface(xkl_progress_handler handler);
 
 // Bounded text: never writes beyond `size` bytes, always terminates.

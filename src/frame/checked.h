@@ -6,9 +6,8 @@
 #pragma once
 
 #include "frame/letters.h"
+#include "frame/registration.h"
 #include "frame/traced.h"
-
-extern "C" void cdecl_xerbla(const char *name, const int64_t *position, int64_t length);
 
 namespace xkl {
 
@@ -49,38 +48,35 @@ auto refused()
         return Row::failed_result;
 }
 
-/// The road of a good call whose flag did not read 0. `mode` comes first for a reason: with the routine's
-/// own list the compiler would make this a tail call and keep copies of all stack arguments ready for it on
-/// the quiet path.
+/// The road of a call that was not proven good.
 template <class Row, class... A>
-[[gnu::noinline, gnu::cold]] auto good_flagged_call(int32_t mode, A... arguments)
+[[gnu::noinline, gnu::cold]] auto doubted_call(A... arguments)
 {
-    return Row::flag.resolve(mode) ? timed_call<Row>(arguments...) : call_core<Row>(arguments...);
-}
-
-/// The road of a call that was not proven good: `mode` is the flag as it read at entry.
-template <class Row, class... A>
-[[gnu::noinline, gnu::cold]] auto doubted_call(int32_t mode, A... arguments)
-{
-    const bool bad = call_with_lengths<Row>(Row::checker, arguments...) != 0;
-    if (!bad)
-        return mode == 0 ? call_core<Row>(arguments...) : good_flagged_call<Row>(mode, arguments...);
+    const int32_t mode = Row::flag.read();
+    if (call_with_lengths<Row>(Row::checker, arguments...) == 0)
+        return traced_frame<Row>(arguments...);
     if (Row::flag.resolve(mode))
         print_trace_line<Row>(stopwatch(), arguments...);
     return refused<Row>();
 }
 
+/// The road over a core that wants to be called for the registration.
+template <class Row, class... A>
+[[gnu::noinline, gnu::cold]] auto doubted_registering_call(A... arguments)
+{
+    register_by_call();
+    return doubted_call<Row>(arguments...);
+}
+
 template <class Row, class... A>
 [[gnu::always_inline]] inline auto checked_frame(A... arguments)
 {
-    xkl_serv_set_xerbla_interface(cdecl_xerbla);
-    const int32_t mode = Row::flag.read();
+    if (!registered_in_place()) [[unlikely]]
+        return doubted_registering_call<Row>(arguments...);
     if (Row::check::template first_bad<inline_letters>(arguments...) != 0) [[unlikely]]
-        return doubted_call<Row>(mode, arguments...);
+        return doubted_call<Row>(arguments...);
     store_info<Row>(0, arguments...);
-    if (mode != 0) [[unlikely]]
-        return good_flagged_call<Row>(mode, arguments...);
-    return call_core<Row>(arguments...);
+    return traced_frame<Row>(arguments...);
 }
 
 } // namespace xkl

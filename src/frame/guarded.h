@@ -14,10 +14,19 @@ template <class Row, class... A>
     return call_core<Row>(arguments...);
 }
 
+/// The road over a core that wants to be called for the registration.
+template <class Row, class... A>
+[[gnu::noinline, gnu::cold]] auto untraced_registering_call(A... arguments)
+{
+    register_by_call();
+    return doubted_untraced_call<Row>(arguments...);
+}
+
 template <class Row, class... A>
 [[gnu::always_inline]] inline auto guarded_frame(A... arguments)
 {
-    xkl_serv_set_xerbla_interface(cdecl_xerbla);
+    if (!registered_in_place()) [[unlikely]]
+        return untraced_registering_call<Row>(arguments...);
     if (Row::check::template first_bad<inline_letters>(arguments...) != 0) [[unlikely]]
         return doubted_untraced_call<Row>(arguments...);
     store_info<Row>(0, arguments...);

@@ -6,14 +6,20 @@
 
 namespace xkl {
 
+/// The road over a core that wants to be called for the registration.
+template <class Row, class... A>
+[[gnu::noinline, gnu::cold]] auto registering_call(A... arguments)
+{
+    register_by_call();
+    return traced_frame<Row>(arguments...);
+}
+
 template <class Row, class... A>
 [[gnu::always_inline]] inline auto registered_frame(A... arguments)
 {
-    xkl_serv_set_xerbla_interface(cdecl_xerbla);
-    const int32_t mode = Row::flag.read();
-    if (mode != 0) [[unlikely]]
-        return good_flagged_call<Row>(mode, arguments...);
-    return call_core<Row>(arguments...);
+    if (!registered_in_place()) [[unlikely]]
+        return registering_call<Row>(arguments...);
+    return traced_frame<Row>(arguments...);
 }
 
 } // namespace xkl

@@ -8,11 +8,13 @@
 #include "core_service.h"
 #include "frame/core_call.h"
 #include "frame/core_text.h"
+#include "frame/registration.h"
 #include "xkl_service.h"
 
 namespace xkl {
 
-/// The three go in this order: errors, progress, pivots.
+/// The three go in this order: errors, progress, pivots. A solver takes its time, so the reporter is set by a
+/// call like the others.
 template <class Row, class... A>
 [[gnu::always_inline]] inline auto solver_frame(A... arguments)
 {

@@ -69,7 +69,7 @@ template <class Row, class... A>
 template <class Row, class... A>
 [[gnu::always_inline]] inline void valued_frame(const char *format, A... arguments)
 {
-    xkl_serv_set_xerbla_interface(cdecl_xerbla);
+    register_reporter();
     if (__atomic_load_n(xkl_serv_verbose_mode(), __ATOMIC_RELAXED) != 0) [[unlikely]]
         return traced_values<Row>(format, arguments...);
     if (!proven_good<Row>(arguments...)) [[unlikely]]

@@ -93,7 +93,7 @@ bool solver_installs_first_links()
     };
     return installed("xkl_serv_set_progress_interface", cdecl_progress) &&
            installed("xkl_serv_set_pardiso_pivot", cdecl_pardiso_pivot) &&
-           recorded.reporter == reinterpret_cast<const void *>(cdecl_xerbla);
+           registered_handler() == &cdecl_xerbla;
 }
 
 } // namespace

@@ -1,17 +1,18 @@
 #include "recorder.h"
 
-#include "xkl_types.h"
-
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+extern "C" void xkl_serv_set_xerbla_interface(xkl_xerbla_handler handler);
+
 recording recorded;
+xkl_xerbla_registration xkl_serv_xerbla_registration = {
+    nullptr, std::getenv("XKL_RECORD_IN_PLACE") ? xkl_serv_set_xerbla_interface : nullptr};
 
 namespace {
 
-xkl_xerbla_handler registered = nullptr;
 double ticks = 0;
 
 } // namespace
@@ -23,6 +24,7 @@ void reset()
     recorded.~recording();
     // The live flag's address must not move: frames keep it.
     new (&recorded) recording;
+    xkl_serv_xerbla_registration.handler = nullptr;
     ticks = 0;
 }
 
@@ -34,6 +36,10 @@ void record(const char *entry, std::initializer_list<int64_t> arguments)
         recorded.on_call(recorded.calls.back());
 }
 
+xkl_xerbla_handler registered_handler()
+{
+    return xkl_serv_xerbla_registration.handler;
+}
 int64_t recorded_integer()
 {
     return recorded.integer_result;
@@ -47,8 +53,7 @@ extern "C" {
 
 void xkl_serv_set_xerbla_interface(xkl_xerbla_handler handler)
 {
-    registered = handler;
-    recorded.reporter = reinterpret_cast<const void *>(handler);
+    xkl_serv_xerbla_registration.handler = handler;
     recorded.order.push_back("register");
 }
 
@@ -56,8 +61,8 @@ void xkl_serv_xerbla(const char *name, const int64_t *position, int64_t length)
 {
     recorded.reports.push_back({std::string(name, static_cast<std::size_t>(length)), *position, length});
     recorded.order.push_back("report");
-    if (recorded.forward_reports && registered)
-        registered(name, position, length);
+    if (recorded.forward_reports && xkl_serv_xerbla_registration.handler)
+        xkl_serv_xerbla_registration.handler(name, position, length);
 }
 
 void xkl_serv_default_xerbla(const char *, const int64_t *, int64_t)

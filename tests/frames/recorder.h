@@ -2,6 +2,8 @@
 // that reaches it. Tests link against it and look at what arrived.
 #pragma once
 
+#include "xkl_types.h"
+
 #include <bit>
 #include <cstdint>
 #include <functional>
@@ -43,11 +45,10 @@ struct recording {
     std::vector<trace_line> lines;
     std::vector<std::string>
         order; // the steps of all kinds, in order: register, clock, verbose_mode, report, line, entries
-    const void *reporter = nullptr; // registered last, for errors
-    int default_reports = 0;        // those that went down the whole chain, to the core's default
-    int32_t verbose = 0;            // the live flag
-    std::vector<double> clock;      // readings to hand out; 1, 2, 3... when empty
-    int64_t integer_result = 0;     // what entries return
+    int default_reports = 0;    // those that went down the whole chain, to the core's default
+    int32_t verbose = 0;        // the live flag
+    std::vector<double> clock;  // readings to hand out; 1, 2, 3... when empty
+    int64_t integer_result = 0; // what entries return
     double real_result = 0;
     bool forward_reports = true;                    // whether xkl_serv_xerbla calls the registered handler
     int failing_allocations = 0;                    // the next so many allocations return null
@@ -77,6 +78,9 @@ struct recorded_descriptor {
     int32_t type, mode, diag;
 };
 int64_t recorded_integer();
+/// Who was registered for reports since the last `reset`; null if nobody was. Frames write it in place, without
+/// a step "register", if XKL_RECORD_IN_PLACE is set.
+xkl_xerbla_handler registered_handler();
 double recorded_real();
 
 /// Its parts differ, so that one that is lost or in the wrong place shows.

@@ -242,7 +242,7 @@ TEST(solver_frame, installs_this_librarys_callbacks)
     reset();
     pardiso(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
             nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-    EXPECT_EQ(recorded.reporter, reinterpret_cast<const void *>(cdecl_xerbla));
+    EXPECT_EQ(registered_handler(), &cdecl_xerbla);
     ASSERT_EQ(recorded.calls.size(), 3u);
     EXPECT_EQ(recorded.calls[0].arguments, (words{reinterpret_cast<int64_t>(cdecl_progress)}));
     EXPECT_EQ(recorded.calls[1].arguments, (words{reinterpret_cast<int64_t>(cdecl_pardiso_pivot)}));
@@ -255,7 +255,7 @@ TEST(solver_frame, cluster_calls_leave_reporter_and_pivots_alone)
     CLUSTER_SPARSE_SOLVER_sc_64_2D__(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                      nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                      nullptr);
-    EXPECT_EQ(recorded.reporter, nullptr);
+    EXPECT_EQ(registered_handler(), nullptr);
     ASSERT_EQ(recorded.calls.size(), 2u);
     EXPECT_EQ(recorded.calls[0].arguments, (words{reinterpret_cast<int64_t>(cdecl_progress)}));
     EXPECT_EQ(recorded.calls[1].entry, "xkl_pds_cluster_sparse_solver_sc_64_2d");

@@ -14,9 +14,9 @@ struct routine_row {
     const char *format;        // of the trace line
     const char *trace_kinds;   // a letter an argument: c, i, e, v, p
     const char *names;         // argument names, blank separated
-    const char *kinds;         // argument kinds as the table has them, blank separated; reading frames: with !
-    const char *spellings;     // every other exported spelling, blank separated
-    const char *mixed;         // the body that takes values; of handle routines, that reads addresses
+    const char *kinds;     // argument kinds as the table has them, blank separated; reading frames: with !
+    const char *spellings; // every other exported spelling, blank separated
+    const char *mixed;     // the body that takes values; of handle routines, that reads addresses
 };
 
 struct cblas_row {
