@@ -1,8 +1,11 @@
 // Makes one kind of call COUNT times over the null core, to be counted by callgrind: `bench_calls CASE COUNT`.
 // The cost of a frame is the difference between its case and the case of the bare core call.
 #include "core_blas.h"
+#include "core_inspector.h"
 #include "core_lapack.h"
 #include "core_matcopy.h"
+#include "core_solvers.h"
+#include "core_spblas.h"
 #include "core_vml.h"
 #include "xkl.h"
 
@@ -17,6 +20,8 @@ const double alpha = 1;
 double a[4], b[4], c[4];
 int64_t ipiv[2], info;
 char letter[] = "N";
+void *pt[64];
+const matrix_descr general = {SPARSE_MATRIX_TYPE_GENERAL, SPARSE_FILL_MODE_FULL, SPARSE_DIAG_NON_UNIT};
 
 struct measured {
     const char *name;
@@ -44,6 +49,17 @@ const measured cases[] = {
     {"core_vdexp", [] { xkl_vml_serv_threader_d_1i_1o(nullptr, 1, a, b, nullptr, 1); }},
     {"vdexp", [] { vdExp(1, a, b); }},
     {"vmdexp", [] { vmdExp(1, a, b, VML_LA); }},
+    {"core_dcsrmv",
+     [] {
+         xkl_spblas_xkl_dcsrmv(letter, &n, &n, &alpha, "GLNF", a, ipiv, ipiv, ipiv, b, &alpha, c, 1, 1);
+     }},
+    {"dcsrmv", [] { xkl_dcsrmv(letter, &n, &n, &alpha, "GLNF", a, ipiv, ipiv, ipiv, b, &alpha, c); }},
+    {"core_handle_mv",
+     [] { xkl_sparse_d_mv_i8(SPARSE_OPERATION_NON_TRANSPOSE, 1, nullptr, general, a, 1, b); }},
+    {"handle_mv", [] { xkl_sparse_d_mv(SPARSE_OPERATION_NON_TRANSPOSE, 1, nullptr, general, a, 1, b); }},
+    {"core_pardiso",
+     [] { xkl_pds_pardiso(pt, &n, &n, &n, &n, &n, a, ipiv, ipiv, ipiv, &n, ipiv, &n, b, c, &info); }},
+    {"pardiso", [] { pardiso(pt, &n, &n, &n, &n, &n, a, ipiv, ipiv, ipiv, &n, ipiv, &n, b, c, &info); }},
     {"cblas_dgemm_row",
      [] { cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, 2, 2, 2, 1.0, a, 2, b, 2, 1.0, c, 2); }},
     {"cblas_dgemm_column",

@@ -31,7 +31,8 @@ install(TARGETS xkl_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${XKL_HEADER_FILES} ${PROJECT_SOURCE_DIR}/include/xkl.h ${PROJECT_SOURCE_DIR}/include/xkl_types.h
     ${PROJECT_SOURCE_DIR}/include/xkl_service_types.h ${PROJECT_SOURCE_DIR}/include/xkl_lapacke_types.h
     ${PROJECT_SOURCE_DIR}/include/xkl_vml_types.h ${PROJECT_SOURCE_DIR}/include/xkl_dfti.h
-    ${PROJECT_SOURCE_DIR}/include/xkl_vsl_types.h
+    ${PROJECT_SOURCE_DIR}/include/xkl_vsl_types.h ${PROJECT_SOURCE_DIR}/include/xkl_sparse_types.h
+    ${PROJECT_SOURCE_DIR}/include/xkl_solver_types.h
     DESTINATION ${header_directory})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/compat DESTINATION ${header_directory})
 install(FILES ${XKL_FFTW_HEADER_FILES} DESTINATION ${header_directory}/fftw)

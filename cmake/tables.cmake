@@ -23,6 +23,14 @@ list(TRANSFORM XKL_DFTI_TABLE_NAMES PREPEND ${PROJECT_SOURCE_DIR}/src/dfti/ OUTP
 list(TRANSFORM XKL_DFTI_TABLES APPEND .tbl)
 list(APPEND XKL_DFTI_TABLES ${PROJECT_SOURCE_DIR}/src/fftw/entries.tbl)
 set(XKL_CBLAS_SHAPES ${PROJECT_SOURCE_DIR}/src/cblas/cblas.tbl)
+set(XKL_SPBLAS_TABLES ${PROJECT_SOURCE_DIR}/src/spblas/spblas.tbl)
+set(XKL_INSPECTOR_TABLES ${PROJECT_SOURCE_DIR}/src/inspector/inspector.tbl)
+set(XKL_SOLVERS_TABLES ${PROJECT_SOURCE_DIR}/src/solvers/solvers.tbl)
+set(XKL_RCI_TABLES ${PROJECT_SOURCE_DIR}/src/rci/rci.tbl)
+foreach(family spblas inspector solvers rci)
+  string(TOUPPER ${family} upper)
+  set(XKL_${upper}_TABLE_NAMES ${family})
+endforeach()
 set(XKL_VML_TABLE ${PROJECT_SOURCE_DIR}/src/vml/vml.tbl)
 set(XKL_VML_SETTINGS ${PROJECT_SOURCE_DIR}/src/vml/settings.tbl)
 set(XKL_VML_LOADER ${PROJECT_SOURCE_DIR}/src/vml/loader.tbl)
@@ -34,7 +42,7 @@ list(TRANSFORM XKL_VSL_TABLES APPEND .tbl)
 set(XKL_CONV_TABLES ${PROJECT_SOURCE_DIR}/src/vsl/entries.tbl) # of the core
 
 # For ./dev, which reads no CMake.
-foreach(family BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY VSL)
+foreach(family BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY VSL SPBLAS INSPECTOR SOLVERS RCI)
   string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
   file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
 endforeach()

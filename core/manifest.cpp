@@ -16,7 +16,8 @@ int64_t xkl_core_manifest(int64_t index, const char **family, const char **entry
 {
     static constexpr const char *names[] = {"none", "openblas", "tmglib", "own"};
     for (const manifest_part &part :
-         {blas_manifest, dfti_manifest, lapack_manifest, matcopy_manifest, conv_manifest, service_manifest}) {
+         {blas_manifest, dfti_manifest, lapack_manifest, matcopy_manifest, conv_manifest, spblas_manifest,
+          inspector_manifest, solvers_manifest, rci_manifest, service_manifest}) {
         const auto count = static_cast<int64_t>(part.count);
         if (index < count) {
             const manifest_entry &found = part.entries[index];

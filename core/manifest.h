@@ -29,5 +29,9 @@ extern const manifest_part dfti_manifest;
 extern const manifest_part lapack_manifest;
 extern const manifest_part matcopy_manifest;
 extern const manifest_part service_manifest;
+extern const manifest_part spblas_manifest;
+extern const manifest_part inspector_manifest;
+extern const manifest_part solvers_manifest;
+extern const manifest_part rci_manifest;
 
 } // namespace xkl::core

@@ -9,6 +9,8 @@
 #include "xkl_lapacke.h"
 #include "xkl_matcopy.h"
 #include "xkl_service.h"
+#include "xkl_solvers.h"
+#include "xkl_spblas.h"
 #include "xkl_types.h"
 #include "xkl_vml.h"
 #include "xkl_vsl.h"

@@ -21,20 +21,37 @@ const std::map<std::string, std::string> storage_types = {
     {"e5m2", "xkl_e5m2"},
     {"void", "void"},
     {"char", "char"},
+    {"text", "char"},
     {"handle", "void *"},
     {"descriptor", "DFTI_DESCRIPTOR *"},
+    {"state", "void *"},
+    {"sparse_struct", "sparse_struct"},
     {"xkl_version", "xkl_version"},
 };
 
+/// Types of the values that reading frames take, `&TYPE`, beside integers and scalars.
+const std::set<std::string> value_types = {"int32_t",
+                                           "matrix_descr",
+                                           "sparse_index_base_t",
+                                           "sparse_layout_t",
+                                           "sparse_matrix_t",
+                                           "verbose_mode_t",
+                                           "sparse_operation_t",
+                                           "sparse_qr_hint_t",
+                                           "sparse_memory_usage_t",
+                                           "sparse_request_t",
+                                           "sparse_sor_type_t"};
+
 const std::set<std::string> letter_kinds = {
-    "c", "i", "e", "l", "t", "r", "z", "r4", "r8", "z4", "z8", "p", "info", "j", "q",
-    "v", "C", "I", "L", "T", "R", "Z", "R4", "R8", "Z4", "Z8", "P", "N",    "Q",
+    "c", "i", "e", "l", "t", "r", "z",  "r4", "r8", "z4", "z8", "p", "info", "j",  "q",  "v",
+    "C", "I", "L", "T", "R", "Z", "R4", "R8", "Z4", "Z8", "P",  "N", "Q",    "At", "Ai",
 };
 
 const std::map<std::string, std::string> results = {
     {"-", "void"},          {"first", "void"},     {"int", "int64_t"}, {"int4", "int32_t"},
     {"logical", "int64_t"}, {"r4", "float"},       {"r8", "double"},   {"real", ""},
-    {"complex", ""},        {"pointer", "void *"}, {"char", "char"},
+    {"complex", ""},        {"pointer", "void *"}, {"char", "char"},   {"status", "int64_t"},
+    {"widened", "int64_t"},
 };
 
 bool is_storage(const std::string &kind)
@@ -44,6 +61,20 @@ bool is_storage(const std::string &kind)
 bool is_verbatim(const std::string &kind)
 {
     return kind.starts_with("=");
+}
+bool is_typed_value(const std::string &kind)
+{
+    return kind.starts_with("&");
+}
+/// Kinds At, Ai: the address of an array, which the routine tells.
+bool is_told_array(const std::string &kind)
+{
+    return kind == "At" || kind == "Ai";
+}
+/// A storage kind with an address in each element.
+bool is_addresses(const std::string &kind)
+{
+    return kind == "*handle" || kind == "*state";
 }
 
 char kind_letter(const std::string &kind)
@@ -72,17 +103,24 @@ std::string constant(const argument &arg)
     return arg.written ? "" : "const ";
 }
 
+/// What stands behind the & of a kind, as C writes it.
+std::string named_type(const std::string &kind)
+{
+    return kind == "&matrix_descr" ? "struct matrix_descr" : kind.substr(1);
+}
+
 } // namespace
 
 bool kind_exists(const std::string &kind)
 {
     return letter_kinds.contains(kind) || is_verbatim(kind) ||
+           (is_typed_value(kind) && value_types.contains(kind.substr(1))) ||
            (is_storage(kind) && storage_types.contains(kind.substr(1)));
 }
 
 bool kind_fits(const std::string &kind, char element)
 {
-    static const std::set<std::string> typed = {"t", "r", "z", "T", "R", "Z", "P"};
+    static const std::set<std::string> typed = {"t", "r", "z", "T", "R", "Z", "P", "At"};
     return element != 0 || !typed.contains(kind);
 }
 
@@ -101,6 +139,8 @@ std::string c_element(const std::string &kind, char element)
 {
     if (is_storage(kind))
         return storage_types.at(kind.substr(1));
+    if (is_told_array(kind))
+        return c_element(kind.substr(1), element);
     switch (kind_letter(kind)) {
     case 'c':
         return "char";
@@ -126,7 +166,12 @@ std::string c_type(const argument &arg, char element)
     if (is_verbatim(arg.kind))
         return arg.kind == "=pointer"      ? "void *"
                : arg.kind == "=descriptor" ? "DFTI_DESCRIPTOR *"
+               : is_hidden(arg)            ? "int64_t "
                                            : arg.kind.substr(1) + " ";
+    if (is_typed_value(arg.kind))
+        return constant(arg) + named_type(arg.kind) + " *";
+    if (is_told_array(arg.kind))
+        return c_element(arg.kind, element) + " **";
     if (arg.kind == "v")
         return arg.written ? "void **" : "void *const *";
     if (arg.kind == "P")
@@ -134,7 +179,7 @@ std::string c_type(const argument &arg, char element)
                            : "const " + c_element(arg.kind, element) + " *const *";
     if (arg.kind == "N")
         return arg.written ? "int64_t *const *" : "const int64_t *const *";
-    if (arg.kind == "*handle")
+    if (is_addresses(arg.kind))
         return arg.written ? "void **" : "void *const *";
     if (arg.kind == "*descriptor")
         return arg.written ? "DFTI_DESCRIPTOR **" : "DFTI_DESCRIPTOR *const *";
@@ -162,6 +207,36 @@ std::string cblas_type(const argument &arg, char element)
     if (is_scalar(arg.kind) && !arg.written)
         return c_element(arg.kind, element) + " ";
     return c_type(arg, element);
+}
+
+bool is_read_value(const argument &arg, char element)
+{
+    if (arg.written)
+        return false;
+    return is_typed_value(arg.kind) || arg.kind == "i" ||
+           (arg.kind == "t" && !is_complex(arg.kind, element));
+}
+
+std::string handle_type(const argument &arg, char element)
+{
+    if (!is_read_value(arg, element))
+        return c_type(arg, element);
+    return (is_typed_value(arg.kind) ? named_type(arg.kind) : c_element(arg.kind, element)) + " ";
+}
+
+bool is_hidden(const argument &arg)
+{
+    return arg.kind == "=hidden";
+}
+
+std::string core_result(const routine &row)
+{
+    return row.result == "widened" ? "int32_t" : c_result(row);
+}
+
+bool is_fortran_function(const routine &row)
+{
+    return row.result != "-" && row.result != "status";
 }
 
 std::string c_result(const routine &row)
@@ -234,20 +309,32 @@ std::string fortran_declaration(const argument &arg, char element, std::string &
 {
     const bool written = arg.written || arg.kind == "info";
     const std::string intent = written ? ", intent(inout) :: " : ", intent(in) :: ";
-    const bool array = !is_scalar(arg.kind) && arg.kind != "*handle";
+    const bool array = !is_scalar(arg.kind) && arg.kind != "*handle" && arg.kind != "*sparse_struct" &&
+                       arg.kind != "*text" && !is_told_array(arg.kind) && !is_typed_value(arg.kind);
     shape = array ? "(*)" : "";
     if (is_storage(arg.kind)) {
         static const std::map<std::string, std::string> types = {
-            {"*int8", "integer(1)"},  {"*uint8", "integer(1)"}, {"*int16", "integer(2)"},
-            {"*int32", "integer(4)"}, {"*f16", "integer(2)"},   {"*bf16", "integer(2)"},
-            {"*e4m3", "integer(1)"},  {"*e5m2", "integer(1)"},  {"*void", "integer(1)"},
-            {"*handle", "integer(8)"}};
+            {"*int8", "integer(1)"},   {"*uint8", "integer(1)"},
+            {"*int16", "integer(2)"},  {"*int32", "integer(4)"},
+            {"*f16", "integer(2)"},    {"*bf16", "integer(2)"},
+            {"*e4m3", "integer(1)"},   {"*e5m2", "integer(1)"},
+            {"*void", "type(*)"},      {"*handle", "integer(8)"},
+            {"*state", "integer(8)"},  {"*char", "character"},
+            {"*text", "character(*)"}, {"*sparse_struct", "type(sparse_struct)"}};
         return types.at(arg.kind) + intent;
     }
     if (is_verbatim(arg.kind)) {
         shape.clear();
+        if (arg.kind.starts_with("=xkl_vector_function"))
+            return "external :: ";
         return arg.kind == "=int32_t" ? "integer(4), value :: " : "integer(8), value :: ";
     }
+    if (is_told_array(arg.kind))
+        return "type(c_ptr)" + intent;
+    if (arg.kind == "&sparse_matrix_t" || arg.kind == "&matrix_descr")
+        return "type(" + arg.kind.substr(1) + ")" + intent;
+    if (is_typed_value(arg.kind))
+        return "integer(4)" + intent;
     if (arg.kind == "P" || arg.kind == "N")
         return "integer(8), intent(in) :: "; // addresses: what is behind them is written, not they
     switch (kind_letter(arg.kind)) {
@@ -271,8 +358,10 @@ std::string fortran_declaration(const argument &arg, char element, std::string &
 
 std::string fortran_result(const routine &row)
 {
-    if (row.result == "int" || row.result == "pointer")
+    if (row.result == "int" || row.result == "pointer" || row.result == "widened")
         return "integer(8)";
+    if (row.result == "int4" || row.result == "=sparse_status_t")
+        return "integer(4)";
     if (row.result == "logical")
         return "logical(8)";
     if (row.result == "char") // its code: compilers expect character functions to fill a hidden argument

@@ -20,8 +20,19 @@ std::string cblas_type(const argument &arg, char element);
 /// The type behind the address (`double`, `XKL_Complex16`, `int64_t`), as C writes it.
 std::string c_element(const std::string &kind, char element);
 
+/// `double ` for alpha:t of xkl_sparse_d_mv: what the C name of a reading frame takes.
+std::string handle_type(const argument &arg, char element);
+/// Whether the Fortran name reads it through an address.
+bool is_read_value(const argument &arg, char element);
+
 /// The type that a function returns; `void` for `-` and `first`.
 std::string c_result(const routine &row);
+/// The same of its core entry.
+std::string core_result(const routine &row);
+/// Whether Fortran has it as a function.
+bool is_fortran_function(const routine &row);
+/// Whether Fortran's compilers pass it by themselves: the length of a text.
+bool is_hidden(const argument &arg);
 
 /// How a trace line prints the argument: c character, i 64-bit integer, e 32-bit integer, p address.
 char trace_kind(const argument &arg, bool group);

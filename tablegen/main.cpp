@@ -34,7 +34,7 @@ commands:
   cblas-header   public prototypes of the C interface       (--shapes)
   helper-header  public prototypes of LAPACKE's helpers     (--option: name of the header)
   lapacke-header public prototypes of LAPACKE               (--lapacke)
-  fortran        a Fortran module of explicit interfaces
+  fortran        a Fortran module of explicit interfaces    (--option: C header of its constants, if any)
   dfti-fortran   the Fortran module of the Fourier transforms (--template)
   core-header    prototypes of the core's entries
   core-forwards  the default core's forwards and stand-ins  (--providers)
@@ -130,7 +130,7 @@ void show(std::ostream &out, const routines &rows, const std::string &name)
     else if (found->frame.kind == "helper")
         print_helpers(out, {*found});
     else
-        print_frames(out, {*found}, found->family + "/checks.h");
+        print_frames(out, {*found}, found->has_checker() ? found->family + "/checks.h" : "");
 }
 
 void run(const request &asked, std::ostream &out)
@@ -168,7 +168,7 @@ void run(const request &asked, std::ostream &out)
         {"companion-exports", [&] { print_companion_exports(out, rows); }},
         {"c-header", [&] { print_c_header(out, rows, asked.option); }},
         {"cblas-header", [&] { print_cblas_header(out, shapes); }},
-        {"fortran", [&] { print_fortran_module(out, rows); }},
+        {"fortran", [&] { print_fortran_module(out, rows, asked.option); }},
         {"dfti-fortran", [&] { print_dfti_module(out, rows, asked.module); }},
         {"core-header", [&] { print_core_header(out, rows); }},
         {"core-forwards", [&] { print_core_forwards(out, rows, providers); }},

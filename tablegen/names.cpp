@@ -4,6 +4,7 @@
 #include "kinds.h"
 
 #include <algorithm>
+#include <cctype>
 #include <map>
 
 namespace tablegen {
@@ -44,9 +45,23 @@ const std::map<std::string, name_list (*)(const std::string &, const std::string
      [](const std::string &u, const std::string &l) {
          return name_list{u, "xkl_dft_" + l};
      }},
+    {"solver", [](const std::string &u,
+                  const std::string &l) { return name_list{l, l + "_", l + "__", u, u + "_", u + "__"}; }},
+    // Their names are written as C has them, some with a capital.
+    {"handle",
+     [](const std::string &u, const std::string &) {
+         return name_list{u, u + "_64"};
+     }},
+    {"handle-plain", [](const std::string &u, const std::string &) { return name_list{u}; }},
     {"single", [](const std::string &, const std::string &l) { return name_list{l}; }},
     {"internal", [](const std::string &u, const std::string &) { return name_list{u}; }},
 };
+
+std::string to_upper(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::toupper(c); });
+    return text;
+}
 
 bool is_forward(const routine &row)
 {
@@ -81,6 +96,8 @@ std::string mixed_body(const routine &row)
 {
     if (row.is_valued())
         return valued_spelling(row);
+    if (row.is_reading())
+        return to_upper(row.name);
     const bool own_body = row.frame.kind == "forward-mixed" || reads_values(row);
     return own_body ? mixed_spelling(row) : "";
 }
@@ -118,6 +135,8 @@ name_list other_spellings(const routine &row)
 
 std::string core_entry(const routine &row)
 {
+    if (row.is_reading())
+        return row.name + "_i8";
     std::string stem = row.lower();
     if (row.spellings == "lapack" && stem.starts_with("xkl_"))
         stem.erase(0, 4);
@@ -197,7 +216,10 @@ name_list exported_names(const routine &row)
         return {mixed_body(row)};
     name_list names = other_spellings(row);
     names.push_back(body_symbol(row));
-    if (!mixed_body(row).empty())
+    if (row.is_reading())
+        for (const std::string &name : public_spellings(row))
+            names.push_back(to_upper(name));
+    else if (!mixed_body(row).empty())
         names.push_back(mixed_body(row));
     if (row.has_checker())
         names.push_back(checker(row));

@@ -55,7 +55,8 @@ std::vector<argument> core_arguments(const routine &row)
 
 int entry_words(const routine &row)
 {
-    return static_cast<int>(all_arguments(row).size()) + (row.frame.group ? 1 : 0) + hidden_lengths(row);
+    return static_cast<int>(all_arguments(row).size()) + (row.frame.group ? 1 : 0) +
+           (row.appends_one() ? 1 : 0) + hidden_lengths(row);
 }
 
 } // namespace
@@ -68,11 +69,14 @@ void print_core_header(std::ostream &out, const routines &rows)
     };
     out << "// Generated from " << rows.front().family
         << "'s tables: what the interface library imports from its core.\n"
-        << "#pragma once\n#include \"xkl_types.h\"\n#pragma GCC visibility push(default)\nextern \"C\" {\n";
+        << "#pragma once\n";
+    for (const std::string &header : type_headers(rows.front().family))
+        out << "#include \"" << header << "\"\n";
+    out << "#pragma GCC visibility push(default)\nextern \"C\" {\n";
     if (std::any_of(rows.begin(), rows.end(), takes_descriptor))
         out << "struct DFTI_DESCRIPTOR; // xkl_dfti.h\n";
     for (const routine &row : with_entries(rows))
-        out << c_result(row) << " " << core_entry(row) << "(" << entry_parameters(row) << ");\n";
+        out << core_result(row) << " " << core_entry(row) << "(" << entry_parameters(row) << ");\n";
     out << "}\n#pragma GCC visibility pop\n";
 }
 
@@ -84,7 +88,7 @@ void print_core_forwards(std::ostream &out, const routines &rows, const std::vec
         const provider *by = provider_of(row, providers);
         if (by && by->by == "own")
             continue;
-        const std::string result = c_result(row);
+        const std::string result = core_result(row);
         out << "\n// " << row.name << ": " << row.place << "\n";
         if (!by) {
             out << "extern \"C\" " << result << " " << core_entry(row) << "("
@@ -115,7 +119,7 @@ void print_core_own(std::ostream &out, const routines &rows, const std::vector<p
             continue;
         found = true;
         const std::string type = row.element ? "<" + c_element("t", row.element) + ">" : "";
-        out << "\n// " << row.name << ": " << row.place << "\nextern \"C\" " << c_result(row) << " "
+        out << "\n// " << row.name << ": " << row.place << "\nextern \"C\" " << core_result(row) << " "
             << core_entry(row) << "(" << visible_parameter_list(row)
             << ")\n{\n    return xkl::core::" << by->callee << type << "("
             << argument_names(all_arguments(row)) << ");\n}\n";
@@ -176,6 +180,22 @@ struct recorded_list {
     std::string parameters, words;
 };
 
+/// An argument of a reading frame. A descriptor is three words.
+void record_value(const routine &row, const argument &arg, const std::string &name, std::string &type,
+                  std::string &word)
+{
+    const std::string value = handle_type(arg, row.element);
+    if (value == "float " || value == "double ") {
+        type = value;
+        word = "recorded_bits(" + name + ")";
+    } else if (arg.kind == "&matrix_descr" && !arg.written) {
+        type = "recorded_descriptor ";
+        word = name + ".type, " + name + ".mode, " + name + ".diag";
+    } else if (is_read_value(arg, row.element) && arg.kind != "i" && arg.kind != "&sparse_matrix_t") {
+        type = "int32_t ";
+    }
+}
+
 recorded_list recorded_list_of(const routine &row)
 {
     recorded_list list;
@@ -188,6 +208,10 @@ recorded_list recorded_list_of(const routine &row)
             type = real || value == "char " ? value : type;
             word = real ? "recorded_bits(" + name + ")" : name;
         }
+        if (row.is_reading())
+            record_value(row, row.arguments[static_cast<std::size_t>(i)], name, type, word);
+        if (row.appends_one() && i + 1 == entry_words(row))
+            type = "int32_t ";
         list.parameters += (i ? ", " : "") + type + name;
         list.words += (i ? ", " : "") + word;
     }
@@ -201,7 +225,7 @@ void print_recording_core(std::ostream &out, const routines &rows)
         const recorded_list list = recorded_list_of(row);
         // Addresses come back as the integers that they are.
         const bool address = row.result.starts_with("=") || row.result == "pointer";
-        const std::string result = address ? "int64_t" : c_result(row);
+        const std::string result = address ? "int64_t" : core_result(row);
         // Weak, so that the entries that the tests' core implements itself win.
         out << "[[gnu::weak]] " << result << " " << core_entry(row) << "(" << list.parameters
             << ")\n{\n    record(\"" << core_entry(row) << "\", {" << list.words << "});\n";

@@ -24,6 +24,11 @@ std::string type_of(const argument &arg, char element)
     return type.ends_with(' ') || type.ends_with('*') ? type : type + " ";
 }
 
+std::string parameter_type(const routine &row, const argument &arg)
+{
+    return row.is_reading() ? handle_type(arg, row.element) : type_of(arg, row.element);
+}
+
 void print_aliases(std::ostream &out, const routine &row)
 {
     const std::string body = body_symbol(row);
@@ -99,7 +104,7 @@ std::string parameter_list(const routine &row)
 {
     std::vector<std::string> parts;
     for (const argument &each : all_arguments(row))
-        parts.push_back(type_of(each, row.element) + each.name);
+        parts.push_back(parameter_type(row, each) + each.name);
     return parts.empty() ? "void" : joined(parts);
 }
 
@@ -110,7 +115,7 @@ std::string visible_parameter_list(const routine &row)
     std::string text = parameter_list(row);
     for (int i = hidden_lengths(row) + (row.frame.group ? 1 : 0); i > 0; --i)
         text += ", int64_t";
-    return text;
+    return text + (row.appends_one() ? ", int32_t" : "");
 }
 
 std::string core_parameter_list(const routine &row, bool named)
@@ -122,9 +127,11 @@ std::string core_parameter_list(const routine &row, bool named)
         parts.push_back(named ? type + name : type);
     };
     for (const argument &each : all_arguments(row))
-        add(type_of(each, row.element), each.name);
+        add(parameter_type(row, each), each.name);
     if (row.frame.group)
         add("int64_t ", "zero");
+    if (row.appends_one())
+        add("int32_t ", "one");
     for (const argument &each : row.arguments)
         if (is_character(each))
             add("int64_t ", "length_" + each.name);
@@ -133,8 +140,11 @@ std::string core_parameter_list(const routine &row, bool named)
 
 void print_frames(std::ostream &out, const routines &rows, const std::string &checks_header)
 {
-    out << "#include \"" << checks_header << "\"\n#include \"frame/frames.h\"\n#include \""
-        << rows.front().family << "_frames.h\"\n";
+    if (rows.front().is_reading())
+        return print_reading_frames(out, rows);
+    if (!checks_header.empty())
+        out << "#include \"" << checks_header << "\"\n";
+    out << "#include \"frame/frames.h\"\n#include \"" << rows.front().family << "_frames.h\"\n";
     for (const routine &row : rows) {
         if (row.frame.kind == "own" || row.frame.kind == "entry")
             continue;
@@ -154,7 +164,7 @@ void print_frame_header(std::ostream &out, const routines &rows)
 {
     out << "// Generated from " << rows.front().family
         << "'s tables: bodies and checkers by their own names.\n"
-        << "#pragma once\n#include \"xkl_" << rows.front().family << ".h\"\n#include \"core_"
+        << "#pragma once\n#include \"" << public_header(rows.front().family) << "\"\n#include \"core_"
         << rows.front().family << ".h\"\nextern \"C\" {\n";
     for (const routine &row : rows) {
         if (body_symbol(row) != public_spellings(row).front())

@@ -101,10 +101,41 @@ const char service_text[] =
     "the library's own controls: version, threads, memory, tracing, reproducible\n"
     "   results, callbacks. Upper- and lower-case spellings are for Fortran and read values through\n"
     "   addresses; mixed-case spellings are for C and take values";
+const char spblas_text[] =
+    "products and solves with sparse matrices.\n"
+    "   The routines named by storage (xkl_dcsrmv...) take every argument by address and the matrix as\n"
+    "   arrays; their lists are the classic ones. matdescra is a string: G general, S symmetric,\n"
+    "   H Hermitian, T triangular, A antisymmetric, D diagonal; then L or U for the triangle; N or U for\n"
+    "   a diagonal as stored or of ones; F for indices from 1, C for indices from 0. A bad argument is\n"
+    "   reported to xerbla with the argument's place in the list, from 1, nothing is written, and 1 is\n"
+    "   returned; otherwise 0. The routines on handles (xkl_sparse_...) take values, complex scalars by\n"
+    "   address, report nothing, and return a status. Integers are 64-bit, enumerations 32-bit";
+const char solvers_text[] =
+    "direct and iterative solvers of sparse systems, nonlinear least squares, and\n"
+    "   eigenvalues in an interval. Every argument goes by address; integers are 64-bit. Bad input is\n"
+    "   answered by error codes and statuses, see xkl_solver_types.h. The control arrays are explained\n"
+    "   in docs/sparse.md";
 const std::map<std::string, const char *> family_texts = {
-    {"blas", blas_text}, {"lapack", lapack_text}, {"matcopy", matcopy_text}, {"service", service_text}};
+    {"blas", blas_text},       {"lapack", lapack_text}, {"matcopy", matcopy_text},
+    {"service", service_text}, {"spblas", spblas_text}, {"solvers", solvers_text}};
 
 } // namespace
+
+std::string public_header(const std::string &family)
+{
+    return family == "inspector" ? "xkl_spblas.h"
+           : family == "rci"     ? "xkl_solvers.h"
+                                 : "xkl_" + family + ".h";
+}
+
+std::vector<std::string> type_headers(const std::string &family)
+{
+    if (family == "spblas" || family == "inspector")
+        return {"xkl_types.h", "xkl_sparse_types.h"};
+    if (family == "solvers" || family == "rci")
+        return {"xkl_types.h", "xkl_solver_types.h"};
+    return {"xkl_types.h"};
+}
 
 void print_prologue(std::ostream &out, const std::string &header, const std::string &text,
                     const std::vector<std::string> &includes)
@@ -124,7 +155,7 @@ void print_epilogue(std::ostream &out)
 void print_c_header(std::ostream &out, const routines &rows, const std::string &header)
 {
     const bool service = rows.front().family == "service";
-    print_prologue(out, header, family_texts.at(rows.front().family));
+    print_prologue(out, header, family_texts.at(rows.front().family), type_headers(rows.front().family));
     std::string about;
     for (const routine &row : rows) {
         if (row.about != about)

@@ -38,7 +38,7 @@ void print_test_rows(std::ostream &out, const routines &rows)
         std::string names, kinds;
         for (const argument &each : all_arguments(row)) {
             names += (names.empty() ? "" : " ") + each.name;
-            kinds += (kinds.empty() ? "" : " ") + each.kind;
+            kinds += (kinds.empty() ? "" : " ") + each.kind + (row.is_reading() && each.written ? "!" : "");
         }
         out << "    {\"" << row.name << "\", \"" << body_symbol(row) << "\", \"" << core_entry(row)
             << "\",\n     \"" << (row.has_checker() ? checker(row) : "") << "\", \"" << row.frame.kind

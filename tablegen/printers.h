@@ -24,7 +24,7 @@ void print_companion_exports(std::ostream &out, const routines &rows);
 void print_c_header(std::ostream &out, const routines &rows, const std::string &header);
 void print_cblas_header(std::ostream &out, const std::vector<shaped> &rows);
 void print_helper_header(std::ostream &out, const routines &rows, const std::string &header);
-void print_fortran_module(std::ostream &out, const routines &rows);
+void print_fortran_module(std::ostream &out, const routines &rows, const std::string &constants);
 void print_dfti_module(std::ostream &out, const routines &rows, const std::string &file);
 
 // Cores: the entries' prototypes, the default core's forwards, stand-ins and own entries, and two cores for
@@ -57,6 +57,9 @@ std::string core_parameter_list(const routine &row,
 std::string argument_names(const std::vector<argument> &args); // transa, ...
 std::string valued_parameter_list(const routine &row,
                                   bool named = true); // char ordering, ..., double alpha, ...
+void print_reading_frames(std::ostream &out, const routines &rows);
+std::string public_header(const std::string &family);             // xkl_blas.h
+std::vector<std::string> type_headers(const std::string &family); // what it includes
 void print_valued_row(std::ostream &out, const routine &row);
 void print_valued_bodies(std::ostream &out, const routine &row); // with their checker
 std::string cblas_name(const shaped &row);

@@ -112,13 +112,13 @@ frame_spec parse_frame(const reader &at, std::string text)
     }
     frame.group = text.ends_with("-group");
     frame.kind = frame.group ? text.substr(0, text.size() - 6) : text;
-    static const std::set<std::string> known = {"checked", "guarded", "registered", "traced",
-                                                "through", "valued",  "forward",    "forward-mixed",
-                                                "helper",  "own",     "entry"};
+    static const std::set<std::string> known = {
+        "checked", "guarded", "registered", "traced", "through", "solver", "cluster",      "appending",
+        "reading", "valued",  "forward",    "helper", "own",     "entry",  "forward-mixed"};
     if (!known.contains(frame.kind))
         at.fail("unknown frame `" + text +
-                "`; frames are checked, guarded, registered, traced, through, valued, forward, "
-                "forward-mixed, helper, own, entry");
+                "`; frames are checked, guarded, registered, traced, through, solver, cluster, appending, "
+                "reading, valued, forward, forward-mixed, helper, own, entry");
     static const std::set<std::string> ruled = {"checked", "guarded", "valued", "helper"};
     if (ruled.contains(frame.kind) != !frame.rule.empty() && frame.kind != "forward")
         at.fail(
@@ -157,11 +157,13 @@ std::vector<argument> parse_arguments(const reader &at, words::const_iterator be
     return arguments;
 }
 
-/// A type's letter is the letter of its elements: CS and SC are complex with a real companion, so C.
+/// A type's letter is the letter of its elements: CS and SC are complex with a real companion, so C. Tables
+/// of C names have it in lower case.
 char element_of(const reader &at, const std::string &prefix)
 {
     for (const char letter : {'Z', 'C', 'D', 'S'})
-        if (prefix.find(letter) != std::string::npos)
+        if (prefix.find(letter) != std::string::npos ||
+            prefix.find(letter - 'A' + 'a') != std::string::npos)
             return letter;
     at.fail("type `" + prefix + "` has none of the letters S, D, C, Z");
 }
@@ -172,6 +174,16 @@ struct instance {
     std::string untyped;
 };
 
+/// `xkl_csrmv` for XKL_?CSRMV, `xkl_sparse_mv` for xkl_sparse_?_mv.
+std::string untyped_name(const std::string &pattern)
+{
+    std::string name = to_lower(pattern);
+    if (const auto mark = name.find("_?_"); mark != std::string::npos)
+        name.erase(mark, 2);
+    std::erase(name, '?');
+    return name;
+}
+
 std::vector<instance> expand(const reader &at, const std::string &pattern, const std::string &types)
 {
     const auto mark = pattern.find('?');
@@ -179,8 +191,7 @@ std::vector<instance> expand(const reader &at, const std::string &pattern, const
         at.fail("a name with ? lists its types, a name without has the types `-`");
     if (mark == std::string::npos)
         return {{pattern, 0, ""}};
-    std::string untyped = to_lower(pattern);
-    std::erase(untyped, '?');
+    const std::string untyped = untyped_name(pattern);
     std::vector<instance> result;
     for (const std::string &prefix : split(types, ',')) {
         std::string name = pattern;
@@ -266,8 +277,7 @@ void add_providers(const reader &at, const std::vector<routine> &base, const wor
         at.fail(
             "`" + columns[2] +
             "` is no provider; they are `openblas`, `openblas:ROUTINE`, `tmglib`, `own:HEADER` and `own`");
-    std::string untyped = to_lower(columns[0]);
-    std::erase(untyped, '?');
+    const std::string untyped = untyped_name(columns[0]);
     const auto callees = expand(at, own || detail.empty() ? columns[0] : detail, columns[1]);
     auto callee = callees.begin();
     for (const instance &one : expand(at, columns[0], columns[1])) {

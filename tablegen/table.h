@@ -23,7 +23,8 @@ struct argument {
 
 /// What follows the name and the types in a row: `checked-group:gemm_batch/bare`.
 struct frame_spec {
-    std::string kind;   // checked, guarded, registered, traced, through, valued, forward, own, entry
+    std::string kind;   // checked, guarded, registered, traced, through, appending, solver, cluster,
+                        // valued, reading, forward, own, entry
     bool group = false; // group batch: one value a group, and a trailing 0 to checker and core
     std::string rule;   // the checker's rule, or the step that a forwarder takes first
     std::string option; // `bare`: reported without trailing blank; `addresses`: the trace prints every
@@ -49,8 +50,15 @@ struct routine {
     std::string lower() const;
     /// Two bodies, by address and by value; checker and core take values.
     bool is_valued() const { return frame.kind == "valued"; }
+    /// Two bodies: one jumps to the core, the other one reads values through addresses first.
+    bool is_reading() const { return frame.kind == "reading"; }
+    /// A 32-bit 1 follows the arguments on their way to the core.
+    bool appends_one() const { return frame.kind == "appending"; }
     bool has_checker() const { return frame.kind == "checked" || frame.kind == "guarded" || is_valued(); }
-    bool has_trace() const { return frame.kind != "through" && frame.kind != "guarded"; }
+    bool has_trace() const
+    {
+        return frame.kind == "checked" || frame.kind == "registered" || frame.kind == "traced";
+    }
     /// The entry that the frame calls is this library's own, and exported.
     bool is_here() const { return frame.kind == "through" && frame.option == "here"; }
     bool has_result() const { return result != "-" && result != "first"; }

@@ -1,5 +1,5 @@
-// Entries of the core that no forwarder stands for: bounded text, the environment, and where the
-// callback chains end.
+// Entries of the core that no forwarder stands for: bounded text, the environment, where the callback
+// chains end, and where solvers learn of the progress chain.
 #pragma once
 
 #include "xkl_types.h"
@@ -13,5 +13,6 @@ int xkl_serv_getenv(const char *name, char *value, int size);
 void xkl_serv_default_xerbla(const char *name, const int64_t *position, int64_t length);
 int32_t xkl_serv_default_progress(const int64_t *thread, const int64_t *step, const char *stage,
                                   int64_t length);
+void xkl_serv_set_progress_interface(xkl_progress_handler handler);
 int32_t xkl_serv_default_pardiso_pivot(const double *pivot, double *replaced, const double *threshold);
 }

@@ -79,11 +79,28 @@ bool fail(const char *entered, int expected)
     return false;
 }
 
+/// What a solver's frame installs: the first links as this program sees them, its own one among them.
+bool solver_installs_first_links()
+{
+    reset();
+    pardisoinit(nullptr, nullptr, nullptr);
+    const auto installed = [](const char *setter, auto *link) {
+        for (const core_call &call : recorded.calls)
+            if (call.entry == setter && call.arguments[0] == reinterpret_cast<int64_t>(link))
+                return true;
+        std::printf("%s did not get this program's link\n", setter);
+        return false;
+    };
+    return installed("xkl_serv_set_progress_interface", cdecl_progress) &&
+           installed("xkl_serv_set_pardiso_pivot", cdecl_pardiso_pivot) &&
+           registered_handler() == &cdecl_xerbla;
+}
+
 } // namespace
 
 int main()
 {
-    bool good = true;
+    bool good = solver_installs_first_links();
     bool below = false;
     for (const chain_link &link : links) {
         captured = 0;

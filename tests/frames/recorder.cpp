@@ -69,6 +69,10 @@ void xkl_serv_default_xerbla(const char *, const int64_t *, int64_t)
 {
     ++recorded.default_reports;
 }
+void xkl_serv_set_progress_interface(xkl_progress_handler handler)
+{
+    record("xkl_serv_set_progress_interface", {reinterpret_cast<int64_t>(handler)});
+}
 int32_t xkl_serv_default_progress(const int64_t *, const int64_t *, const char *, int64_t)
 {
     return 71;

@@ -73,6 +73,10 @@ inline int64_t recorded_bits(double value)
 {
     return std::bit_cast<int64_t>(value);
 }
+/// How a matrix descriptor comes by value.
+struct recorded_descriptor {
+    int32_t type, mode, diag;
+};
 int64_t recorded_integer();
 /// Who was registered for reports since the last `reset`; null if nobody was. Frames write it in place, without
 /// a step "register", if XKL_RECORD_IN_PLACE is set.

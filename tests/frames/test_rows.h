@@ -6,7 +6,7 @@ struct routine_row {
     const char *body;          // the body's own symbol: xkl_blas__dgemm
     const char *core_entry;    // xkl_blas_dgemm
     const char *checker;       // xkl_blas_errchk_dgemm, or ""
-    const char *frame;         // checked, guarded, registered, traced, through
+    const char *frame;         // checked, guarded, registered, traced, through, solver, cluster...
     bool group;                // a trailing 0 goes to checker and core
     const char *result;        // -, int, logical, char, real, r4, r8, complex, first, pointer
     int failed_result;         // what a function returns after a failed check
@@ -14,9 +14,9 @@ struct routine_row {
     const char *format;        // of the trace line
     const char *trace_kinds;   // a letter an argument: c, i, e, v, p
     const char *names;         // argument names, blank separated
-    const char *kinds;         // argument kinds as the table has them, blank separated
-    const char *spellings;     // every other exported spelling, blank separated
-    const char *mixed;         // service rows: the mixed-case spelling where it is a body of its own
+    const char *kinds;     // argument kinds as the table has them, blank separated; reading frames: with !
+    const char *spellings; // every other exported spelling, blank separated
+    const char *mixed;     // the body that takes values; of handle routines, that reads addresses
 };
 
 struct cblas_row {
@@ -49,6 +49,14 @@ extern const routine_row matcopy_rows[];
 extern const int matcopy_row_count;
 extern const routine_row lapacke_helper_rows[];
 extern const int lapacke_helper_row_count;
+extern const routine_row spblas_rows[];
+extern const int spblas_row_count;
+extern const routine_row inspector_rows[];
+extern const int inspector_row_count;
+extern const routine_row solvers_rows[];
+extern const int solvers_row_count;
+extern const routine_row rci_rows[];
+extern const int rci_row_count;
 extern const routine_row service_rows[];
 extern const int service_row_count;
 extern const cblas_row cblas_rows[];

@@ -20,7 +20,7 @@ comm -23 "$scratch/golden" "$scratch/built" >"$scratch/missing"
 
 # Imports: the core's entries, and of libc only what ends the process or serves the loader of the kernel library.
 nm -D --undefined-only "$library" | awk '{print $NF}' | sed 's/@.*//' | sort -u |
-    grep -vE '^(xkl_(serv|blas|lapack|trans|conv|dft|vml_serv_threader)_.*|exit|dlsym|dlerror|dladdr|getcwd|__cxa_finalize|__gmon_start__|_ITM_.*)$' >"$scratch/foreign" || true
+    grep -vE '^(xkl_(serv|blas|lapack|trans|conv|dft|spblas|sparse|pds|iss|trs|feast|vml_serv_threader)_.*|exit|dlsym|dlerror|dladdr|getcwd|__cxa_finalize|__gmon_start__|_ITM_.*)$' >"$scratch/foreign" || true
 [ ! -s "$scratch/foreign" ] || complain "imports that are neither the core's nor allowed: $(tr '\n' ' ' <"$scratch/foreign")"
 
 needed=$(readelf -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | tr '\n' ' ')

@@ -49,6 +49,7 @@ expect_lapacke() {
 }
 
 expect 'unknown kind `y`' '?AXPY S,D traced - n:i a:y'
+expect 'unknown kind `&lattice_t`' '?AXPY S,D reading - n:&lattice_t'
 expect 'is not an argument' '?AXPY S,D traced - n'
 expect 'two arguments are called `n`' '?AXPY S,D traced - n:i n:i'
 expect 'unknown frame `trace`' '?AXPY S,D trace - n:i'
