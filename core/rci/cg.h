@@ -1,5 +1,6 @@
 // Conjugate gradients by reverse communication, for one right-hand side. tmp has four columns of n: the
-// direction (to be multiplied), its product with A, the residual (to be preconditioned) and what comes of it.
+// direction (to be multiplied), its product with A, the residual (to be preconditioned) and what comes of
+// it.
 #pragma once
 
 #include "conjugate_gradients.h"

@@ -1,5 +1,5 @@
-// Flexible generalized minimal residuals by reverse communication: the preconditioner may change from step to
-// step, since the preconditioned vectors are kept.
+// Flexible generalized minimal residuals by reverse communication: the preconditioner may change from step
+// to step, since the preconditioned vectors are kept.
 //
 // tmp holds restart + 1 basis vectors, restart preconditioned ones, and behind these, by columns, the
 // triangle R of the least-squares problem, the rotations that made it, and its right-hand side.
@@ -146,7 +146,8 @@ int64_t fgmres_system<T>::next_vector()
     return ask(XKL_ISS_MULTIPLY, has_product, basis(j), basis(j + 1));
 }
 
-/// Takes the parts along the basis out of w, twice: what rounding left of them in the first turn would grow.
+/// Takes the parts along the basis out of w, twice: what rounding left of them in the first turn would
+/// grow.
 template <class T>
 void fgmres_system<T>::orthogonalize(T *w, T *column) const
 {

@@ -1,5 +1,5 @@
-// Jacobi matrices by central differences: column j of the m by n matrix is (f(x + h e_j) - f(x - h e_j)) / 2h
-// with h = eps * max(1, |x_j|) as it comes out between the two rounded points.
+// Jacobi matrices by central differences: column j of the m by n matrix is (f(x + h e_j) - f(x - h e_j)) /
+// 2h with h = eps * max(1, |x_j|) as it comes out between the two rounded points.
 #pragma once
 
 #include "blas/elements.h"

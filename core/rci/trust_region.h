@@ -1,9 +1,9 @@
-// Nonlinear least squares: the least |f(x)| for m functions of n variables, m >= n, within bounds or without,
-// by steps of Levenberg and Marquardt in a trust region.
+// Nonlinear least squares: the least |f(x)| for m functions of n variables, m >= n, within bounds or
+// without, by steps of Levenberg and Marquardt in a trust region.
 //
 // Each Jacobi matrix is taken apart into singular values, with its columns scaled by the largest norm that
-// they have had; every step of that iteration then costs a few products, whatever the radius. Variables that
-// rest on a bound, and would be pushed out of it, stay where they are for that iteration.
+// they have had; every step of that iteration then costs a few products, whatever the radius. Variables
+// that rest on a bound, and would be pushed out of it, stay where they are for that iteration.
 #pragma once
 
 #include "incomplete_rows.h"
@@ -87,8 +87,9 @@ class trust_region {
     int64_t iterations_ = 0, trials_ = 0;
     T radius_ = 0, norm_ = 0, first_norm_ = 0, predicted_ = 0, step_norm_ = 0;
     const T *jacobian_ = nullptr;
-    // n each: where x was, the step, the columns' scales, singular values, f along the left singular vectors,
-    // those times the filter, which variables are free; m: f; then the two matrices and LAPACK's workspace
+    // n each: where x was, the step, the columns' scales, singular values, f along the left singular
+    // vectors, those times the filter, which variables are free; m: f; then the two matrices and LAPACK's
+    // workspace
     T *base_, *step_, *scale_, *sigma_, *along_, *filtered_, *free_, *f_, *u_, *vt_, *work_;
 };
 
