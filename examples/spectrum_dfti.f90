@@ -55,7 +55,7 @@ program spectrum_dfti
   if (command_argument_count() > 1) call write_spectrum
   if (command_argument_count() > 2) call write_course
   if (error > 1d-13) error stop 'the transform and its inverse do not undo each other'
-  if (.not. agree .or. any(events /= published)) error stop 'not all periods and events are the published ones'
+  if (.not. agree .or. any(events /= published)) error stop 'not all is as published'
 
 contains
 
@@ -120,8 +120,8 @@ contains
     integer :: month, i
     call get_command_argument(3, path)
     open (newunit=unit, file=path, action='write')
-    write (unit, '(f0.4,1x,f0.4,1x,f0.4)') ((first_year + i - 1 + (month - 0.5d0) / 12, temperature(month, i), &
-        anomaly(month, i), month=1, 12), i=1, years)
+    write (unit, '(f0.4,1x,f0.4,1x,f0.4)') ((first_year + i - 1 + (month - 0.5d0) / 12, &
+        temperature(month, i), anomaly(month, i), month=1, 12), i=1, years)
     close (unit)
   end subroutine write_course
 
