@@ -8,7 +8,7 @@ program spectrum_dfti
   integer, parameter :: first_year = 1950, years = 61, months = 12 * years, lines = months / 2 + 1
   ! Up to this line periods are above a year and a half: El Nino is slower, the seasons are faster.
   integer, parameter :: slow = 40
-  ! The two strongest of the century. They last from one year into the next.
+  ! The two strongest of the 20th century. They last from one year into the next.
   character(*), parameter :: published(2) = ['1997-98', '1982-83']
   type(DFTI_DESCRIPTOR), pointer :: transform
   real(8) :: temperature(12, years), anomaly(12, years), amplitude(0:lines - 1), error
