@@ -1,0 +1,152 @@
+// How optimize chooses: one plan for each operation and description that was announced often enough for a plan to pay.
+#pragma once
+
+#include "changes.h"
+#include "plan.h"
+
+#include <cinttypes>
+#include <cstdio>
+
+namespace xkl::core::inspector {
+
+// Written by xkl_sparse_set_verbose_mode, a verbose_mode_t; read by optimize. A racing optimize tells or does not.
+inline std::atomic<int32_t> told_of_plans{SPARSE_VERBOSE_OFF};
+
+/// Writing a plan out costs a few products.
+constexpr int64_t calls_that_pay = 4;
+/// Rows a group, on average, from which threads share a group
+constexpr int64_t rows_worth_sharing = 512;
+
+inline bool is_solve(purpose what)
+{
+    return what == purpose::solve || what == purpose::many_solves;
+}
+
+/// Whether a written copy would be read faster than the matrix itself.
+inline bool plan_pays(const sparse_matrix &a, const hint &said, const action &how)
+{
+    if (!a.copies_allowed || said.expected_calls < calls_that_pay)
+        return false;
+    if (is_solve(said.what) && (how.of.block > 1 || !how.of.triangular()))
+        return false;
+    const bool own_rows = a.form == storage::csr || a.form == storage::csc;
+    const bool by_rows = own_rows && how.of.whole() && !how.transposed && !how.conjugated;
+    const bool blocks = a.form == storage::bsr && a.block > 1 && how.of.whole() && !how.transposed;
+    const bool narrower = std::max(a.total_rows(), a.total_cols()) <= INT32_MAX;
+    return !blocks && (!by_rows || narrower);
+}
+
+/// Groups the rows of a triangle by how long the chain of rows before them is.
+template <class T>
+bool group_rows(plan<T> &made, bool lower)
+{
+    const int64_t n = made.wide.rows;
+    const written_rows<T> &a = made.wide;
+    array<int64_t> depth, starts;
+    if (!depth.make(n) || !starts.make(n + 1, 0))
+        return false;
+    int64_t groups = 0;
+    for (int64_t step = 0; step < n; ++step) {
+        const int64_t i = lower ? step : n - 1 - step;
+        int64_t deepest = 0;
+        for (int64_t k = a.starts[i]; k < a.starts[i + 1]; ++k)
+            if (a.columns[k] != i)
+                deepest = std::max(deepest, depth[a.columns[k]] + 1);
+        depth[i] = deepest;
+        groups = std::max(groups, deepest + 1);
+        ++starts[deepest + 1];
+    }
+    if (groups == 0 || n / groups < rows_worth_sharing)
+        return true;
+    for (int64_t g = 0; g < groups; ++g)
+        starts[g + 1] += starts[g];
+    array<int64_t> next, order;
+    if (!next.make(groups) || !order.make(n))
+        return false;
+    std::copy_n(starts.data(), groups, next.data());
+    for (int64_t i = 0; i < n; ++i)
+        order[next[depth[i]]++] = i;
+    made.order = std::move(order);
+    made.groups = std::move(starts);
+    made.group_count = groups;
+    return true;
+}
+
+template <class T>
+sparse_status_t fill_plan(const sparse_matrix &a, const hint &said, const action &how, plan<T> &made)
+{
+    written_rows<T> &rows = made.wide;
+    if (const auto bad = write_out(a, how, rows))
+        return bad;
+    if (!sort_rows(rows))
+        return SPARSE_STATUS_ALLOC_FAILED;
+    if (is_solve(said.what) && !group_rows(made, how.of.below != how.transposed))
+        return SPARSE_STATUS_ALLOC_FAILED;
+    const int64_t places = rows.places();
+    if (rows.cols > INT32_MAX)
+        return SPARSE_STATUS_SUCCESS;
+    if (!made.narrow.make(places))
+        return SPARSE_STATUS_ALLOC_FAILED;
+    std::copy_n(rows.columns.data(), places, made.narrow.data());
+    rows.columns = array<int64_t>();
+    return SPARSE_STATUS_SUCCESS;
+}
+
+/// One line about a plan, or about the matrix that is read as it is
+template <class T>
+void tell_of_plan(const sparse_matrix &a, const hint &said, const plan<T> *made)
+{
+    const int32_t mode = told_of_plans.load(std::memory_order_relaxed);
+    if (mode == SPARSE_VERBOSE_OFF)
+        return;
+    char line[256], why[96] = "";
+    if (mode == SPARSE_VERBOSE_EXTENDED)
+        std::snprintf(why, sizeof why, ", %" PRId64 " calls expected, copies %s, %" PRId64 " groups",
+                      said.expected_calls, a.copies_allowed ? "allowed" : "not allowed",
+                      made ? made->group_count : 0);
+    std::snprintf(
+        line, sizeof line,
+        "sparse optimize: %" PRId64 " x %" PRId64 ", %" PRId64 " places, operation %d, kind %d: %s%s",
+        a.rows, a.cols, a.places(), static_cast<int>(said.operation), static_cast<int>(said.descr.type),
+        !made                 ? "as stored"
+        : made->narrow.data() ? "rows with 32-bit columns"
+                              : "rows with 64-bit columns",
+        why);
+    xkl_serv_print_verbose_info(0, 2, line);
+}
+
+/// Plans for what was announced, or for products where nothing was. The old ones stay where one fails.
+template <class T>
+sparse_status_t optimize(sparse_matrix &a)
+{
+    const hint usual{purpose::product, SPARSE_OPERATION_NON_TRANSPOSE, general_descr, calls_that_pay};
+    const hint *const hints = a.hint_count > 0 ? a.hints : &usual;
+    prepared *made = nullptr;
+    if (a.in_place)
+        if (const auto bad = sort<T>(a))
+            return bad;
+    for (int n = 0; n < std::max(a.hint_count, 1); ++n) {
+        const hint &said = hints[n];
+        action how;
+        sparse_status_t bad = action_of(a, said.operation, said.descr, how);
+        plan<T> *one = nullptr;
+        if (!bad && plan_pays(a, said, how)) {
+            one = make<plan<T>>(said.operation, said.descr);
+            bad = one ? fill_plan(a, said, how, *one) : SPARSE_STATUS_ALLOC_FAILED;
+            if (one) {
+                one->next = made;
+                made = one;
+            }
+        }
+        if (bad) {
+            release_all(made);
+            return bad;
+        }
+        tell_of_plan<T>(a, said, one);
+    }
+    release_all(a.plans);
+    a.plans = made;
+    return SPARSE_STATUS_SUCCESS;
+}
+
+} // namespace xkl::core::inspector

@@ -1,0 +1,72 @@
+// What optimize prepares: op(A), as a description says, written out by rows in order, with 32-bit columns where they
+// suffice. Products, sweeps and solves that are asked for this operation and description read it instead of A, and
+// never scatter.
+#pragma once
+
+#include "arguments.h"
+
+namespace xkl::core::inspector {
+
+inline bool alike(const matrix_descr &a, const matrix_descr &b)
+{
+    return a.type == b.type &&
+           (a.type == SPARSE_MATRIX_TYPE_GENERAL ||
+            (a.diag == b.diag && (a.mode == b.mode || a.type == SPARSE_MATRIX_TYPE_DIAGONAL ||
+                                  a.type == SPARSE_MATRIX_TYPE_BLOCK_DIAGONAL)));
+}
+
+template <class T>
+struct plan final : prepared {
+    sparse_operation_t operation;
+    matrix_descr descr;
+    written_rows<T> wide;
+    array<int32_t> narrow; // in the place of wide.columns
+
+    // Rows in groups that depend on earlier groups only, for solves: group g is order[groups[g]] to
+    // order[groups[g + 1] - 1]. Empty when there is too little in a group to share.
+    array<int64_t> order, groups;
+    int64_t group_count = 0;
+
+    plan(sparse_operation_t op, const matrix_descr &d) : operation(op), descr(d) {}
+    void release() noexcept override { unmake(this); }
+
+    template <class Use>
+    auto with_rows(const Use &use) const
+    {
+        const row_view<T> rows = wide.view();
+        if (narrow.data())
+            return use(row_view<T, int32_t>{rows.rows, rows.cols, rows.starts, rows.ends, narrow.data(),
+                                            rows.values, 0});
+        return use(rows);
+    }
+};
+
+template <class T>
+const plan<T> *plan_for(const sparse_matrix &a, sparse_operation_t operation, const matrix_descr &descr)
+{
+    for (const prepared *each = a.plans; each; each = each->next) {
+        const auto &found = *static_cast<const plan<T> *>(each);
+        if (found.operation == operation && alike(found.descr, descr))
+            return &found;
+    }
+    return nullptr;
+}
+
+/// Calls use with op(A) by rows, from the plan for it when there is one, and from A or written out otherwise.
+template <class T, class Use>
+sparse_status_t with_rows(const sparse_matrix &a, sparse_operation_t operation, const matrix_descr &descr,
+                          const Use &use)
+{
+    action how;
+    if (const auto status = action_of(a, operation, descr, how))
+        return status;
+    if (const plan<T> *const found = plan_for<T>(a, operation, descr))
+        return found->with_rows(use);
+    written_rows<T> space;
+    row_view<T> view;
+    if (const auto status = rows_of(a, how, space, view))
+        return status;
+    return use(view);
+}
+
+} // namespace xkl::core::inspector
