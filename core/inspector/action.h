@@ -108,6 +108,8 @@ template <class T, class Emit>
 {
     if (!how.of.has(i, j))
         return;
+    if (how.of.mirrored == mirror::hermitian && i == j)
+        value = T(std::real(value)); // as the dense routines take it
     if (how.conjugated)
         value = conjugate(value);
     if (how.transposed)

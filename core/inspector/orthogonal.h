@@ -21,7 +21,7 @@ struct orthogonal final : prepared {
     using vector = Eigen::Matrix<T, Eigen::Dynamic, 1>;
 
     Eigen::SparseQR<sparse, Eigen::COLAMDOrdering<int64_t>> factors;
-    array<int64_t> order; // of the matrix' columns in `pattern` is found by the library
+    sparse r; // its leading part of full rank
     bool analysed = false, factorized = false;
 
     void release() noexcept override { unmake(this); }
@@ -121,6 +121,8 @@ sparse_status_t factorize(sparse_matrix &a, const T *other_values)
             return bad;
         by->factors.factorize(columns);
         by->factorized = by->factors.info() == Eigen::Success;
+        if (by->factorized)
+            by->r = by->factors.matrixR().topLeftCorner(by->factors.rank(), by->factors.rank());
         return by->factorized ? SPARSE_STATUS_SUCCESS : SPARSE_STATUS_EXECUTION_FAILED;
     });
 }
@@ -151,20 +153,15 @@ typename orthogonal<T>::vector solve_with_r(const orthogonal<T> &by,
                                             const typename orthogonal<T>::vector &v, bool transposed)
 {
     using vector = typename orthogonal<T>::vector;
-    const int64_t rank = by.factors.rank(), cols = by.factors.cols();
-    const auto r = by.factors.matrixR().topLeftCorner(rank, rank);
-    vector full = vector::Zero(cols);
+    const int64_t rank = by.factors.rank();
+    const auto r = by.r.template triangularView<Eigen::Upper>();
+    vector full = vector::Zero(by.factors.cols());
     if (transposed) {
         const vector moved = by.factors.colsPermutation().inverse() * v;
-        full.head(rank) = Eigen::SparseMatrix<T, Eigen::ColMajor, int64_t>(r)
-                              .template triangularView<Eigen::Upper>()
-                              .transpose()
-                              .solve(moved.head(rank));
+        full.head(rank) = r.transpose().solve(moved.head(rank));
         return full;
     }
-    full.head(rank) =
-        Eigen::SparseMatrix<T, Eigen::ColMajor, int64_t>(r).template triangularView<Eigen::Upper>().solve(
-            v.head(rank));
+    full.head(rank) = r.solve(v.head(rank));
     return by.factors.colsPermutation() * full;
 }
 

@@ -110,6 +110,8 @@ bool sort_rows(written_rows<T> &a)
         return false;
     for (int64_t i = 0; i < a.rows; ++i) {
         const int64_t first = a.starts[i], count = a.starts[i + 1] - first;
+        if (std::is_sorted(a.columns.data() + first, a.columns.data() + first + count))
+            continue;
         for (int64_t k = 0; k < count; ++k)
             new (&row[k]) keyed{a.columns[first + k], k, a.values[first + k]};
         std::sort(row.data(), row.data() + count, [](const keyed &x, const keyed &y) {
