@@ -17,6 +17,9 @@ constexpr int64_t calls_that_pay = 4;
 /// Rows a group, on average, from which threads share a group
 constexpr int64_t rows_worth_sharing = 512;
 
+/// Places of slices over elements, up to which they are read faster than rows
+constexpr double filling_that_pays = 1.15;
+
 inline bool is_solve(purpose what)
 {
     return what == purpose::solve || what == purpose::many_solves;
@@ -72,19 +75,61 @@ bool group_rows(plan<T> &made, bool lower)
     return true;
 }
 
+/// Writes rows in slices unless they would be filled up too much.
 template <class T>
-sparse_status_t fill_plan(const sparse_matrix &a, const hint &said, const action &how, plan<T> &made)
+bool make_slices(plan<T> &made)
+{
+    constexpr int64_t height = slice_height<T>;
+    const written_rows<T> &a = made.wide;
+    const int64_t count = (a.rows + height - 1) / height;
+    array<int64_t> starts;
+    if (!starts.make(count + 1, 0))
+        return false;
+    for (int64_t slice = 0; slice < count; ++slice) {
+        int64_t longest = 0;
+        for (int64_t i = slice * height; i < std::min(a.rows, (slice + 1) * height); ++i)
+            longest = std::max(longest, a.starts[i + 1] - a.starts[i]);
+        starts[slice + 1] = starts[slice] + longest * height;
+    }
+    const int64_t places = starts[count];
+    if (places == 0 || static_cast<double>(places) > filling_that_pays * static_cast<double>(a.places()))
+        return true;
+    if (!made.slice_columns.make(places) || !made.slice_values.make(places))
+        return false;
+    for (int64_t slice = 0; slice < count; ++slice)
+        for (int64_t k = starts[slice]; k < starts[slice + 1]; ++k) {
+            const int64_t i = slice * height + (k - starts[slice]) % height;
+            const int64_t from = i < a.rows ? a.starts[i] + (k - starts[slice]) / height : 0;
+            const bool stored = i < a.rows && from < a.starts[i + 1];
+            made.slice_columns[k] = stored ? static_cast<int32_t>(a.columns[from]) : -1;
+            made.slice_values[k] = stored ? a.values[from] : T(0);
+        }
+    made.slice_starts = std::move(starts);
+    made.slice_count = count;
+    return true;
+}
+
+/// What the announcements for one operation and description ask for
+struct wanted {
+    bool anything = false, slices = false, groups = false;
+};
+
+template <class T>
+sparse_status_t fill_plan(const sparse_matrix &a, const wanted &parts, const action &how, plan<T> &made)
 {
     written_rows<T> &rows = made.wide;
     if (const auto bad = write_out(a, how, rows))
         return bad;
     if (!sort_rows(rows))
         return SPARSE_STATUS_ALLOC_FAILED;
-    if (is_solve(said.what) && !group_rows(made, how.of.below != how.transposed))
+    if (parts.groups && !group_rows(made, how.of.below != how.transposed))
         return SPARSE_STATUS_ALLOC_FAILED;
     const int64_t places = rows.places();
     if (rows.cols > INT32_MAX)
         return SPARSE_STATUS_SUCCESS;
+    if constexpr (!element<T>::is_complex)
+        if (parts.slices && !make_slices(made))
+            return SPARSE_STATUS_ALLOC_FAILED;
     if (!made.narrow.make(places))
         return SPARSE_STATUS_ALLOC_FAILED;
     std::copy_n(rows.columns.data(), places, made.narrow.data());
@@ -115,24 +160,45 @@ void tell_of_plan(const sparse_matrix &a, const hint &said, const plan<T> *made)
     xkl_serv_print_verbose_info(0, 2, line);
 }
 
+/// What all announcements that are like the given one, itself included, make worth its while
+inline wanted asked_for(const sparse_matrix &a, const hint *hints, int count, const hint &like,
+                        const action &how)
+{
+    wanted parts;
+    for (const hint *each = hints; each < hints + count; ++each)
+        if (each->operation == like.operation && alike(each->descr, like.descr) &&
+            plan_pays(a, *each, how)) {
+            parts.anything = true;
+            parts.slices |= each->what == purpose::product;
+            parts.groups |= is_solve(each->what);
+        }
+    return parts;
+}
+
 /// Plans for what was announced, or for products where nothing was. The old ones stay where one fails.
 template <class T>
 sparse_status_t optimize(sparse_matrix &a)
 {
     const hint usual{purpose::product, SPARSE_OPERATION_NON_TRANSPOSE, general_descr, calls_that_pay};
     const hint *const hints = a.hint_count > 0 ? a.hints : &usual;
+    const int count = std::max(a.hint_count, 1);
     prepared *made = nullptr;
     if (a.in_place)
         if (const auto bad = sort<T>(a))
             return bad;
-    for (int n = 0; n < std::max(a.hint_count, 1); ++n) {
-        const hint &said = hints[n];
+    for (const hint *said = hints; said < hints + count; ++said) {
+        const auto same = [&](const hint &each) {
+            return each.operation == said->operation && alike(each.descr, said->descr);
+        };
+        if (std::any_of(hints, said, same))
+            continue;
         action how;
-        sparse_status_t bad = action_of(a, said.operation, said.descr, how);
+        sparse_status_t bad = action_of(a, said->operation, said->descr, how);
+        const wanted parts = bad ? wanted() : asked_for(a, hints, count, *said, how);
         plan<T> *one = nullptr;
-        if (!bad && plan_pays(a, said, how)) {
-            one = make<plan<T>>(said.operation, said.descr);
-            bad = one ? fill_plan(a, said, how, *one) : SPARSE_STATUS_ALLOC_FAILED;
+        if (parts.anything) {
+            one = make<plan<T>>(said->operation, said->descr);
+            bad = one ? fill_plan(a, parts, how, *one) : SPARSE_STATUS_ALLOC_FAILED;
             if (one) {
                 one->next = made;
                 made = one;
@@ -142,7 +208,7 @@ sparse_status_t optimize(sparse_matrix &a)
             release_all(made);
             return bad;
         }
-        tell_of_plan<T>(a, said, one);
+        tell_of_plan<T>(a, *said, one);
     }
     release_all(a.plans);
     a.plans = made;

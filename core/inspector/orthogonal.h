@@ -72,13 +72,15 @@ sparse_status_t by_columns(const sparse_matrix &a, const T *other_values,
     const int64_t rows = columns.cols, cols = columns.rows;
     out.resize(rows, cols);
     out.reserve(columns.places());
-    for (int64_t j = 0; j < cols; ++j) {
+    for (int64_t j = 0, places = 0; j < cols; ++j) {
         out.startVec(j);
         for (int64_t k = columns.starts[j]; k < columns.starts[j + 1]; ++k)
             if (k > columns.starts[j] && columns.columns[k] == columns.columns[k - 1])
-                out.valuePtr()[out.nonZeros() - 1] += columns.values[k];
-            else
+                out.valuePtr()[places - 1] += columns.values[k];
+            else {
                 out.insertBackByOuterInner(j, columns.columns[k]) = columns.values[k];
+                ++places;
+            }
     }
     out.finalize();
     return SPARSE_STATUS_SUCCESS;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "arguments.h"
+#include "slices.h"
 
 namespace xkl::core::inspector {
 
@@ -27,6 +28,12 @@ struct plan final : prepared {
     array<int64_t> order, groups;
     int64_t group_count = 0;
 
+    // The same rows in slices, for products with a vector; real types. Empty where rows are too unequal.
+    int64_t slice_count = 0;
+    array<int64_t> slice_starts;
+    array<int32_t> slice_columns;
+    array<T> slice_values;
+
     plan(sparse_operation_t op, const matrix_descr &d) : operation(op), descr(d) {}
     void release() noexcept override { unmake(this); }
 
@@ -40,6 +47,28 @@ struct plan final : prepared {
         return use(rows);
     }
 };
+
+/// y := alpha A x + beta y by slices
+template <class T>
+void multiply_by_slices(const plan<T> &of, T alpha, const T *x, T beta, T *y)
+{
+    const slice_product<T> by{of.wide.rows,
+                              of.slice_starts.data(),
+                              of.slice_columns.data(),
+                              of.slice_values.data(),
+                              alpha,
+                              beta,
+                              x,
+                              y};
+    const auto kernel = [] {
+        if constexpr (sizeof(T) == sizeof(float))
+            return slices_in_force().s;
+        else
+            return slices_in_force().d;
+    }();
+    const row_view<T> slices{of.slice_count, 0, by.starts, by.starts + 1, nullptr, by.values, 0};
+    for_row_ranges(slices, 2., [&](int64_t first, int64_t last) { kernel(by, first, last); });
+}
 
 template <class T>
 const plan<T> *plan_for(const sparse_matrix &a, sparse_operation_t operation, const matrix_descr &descr)

@@ -16,9 +16,16 @@ sparse_status_t multiply(const sparse_matrix &a, sparse_operation_t operation, c
     if (const auto status = action_of(a, operation, descr, how))
         return status;
     const int64_t rows = rows_under(a, operation);
+    const plan<T> *const prepared = plan_for<T>(a, operation, descr);
+    if constexpr (!element<T>::is_complex)
+        if (prepared && prepared->slice_count > 0 && alpha != T(0) && x.down == 1 && y.down == 1 &&
+            columns == 1) {
+            multiply_by_slices(*prepared, alpha, x.first, beta, y.first);
+            return SPARSE_STATUS_SUCCESS;
+        }
     if (alpha == T(0))
         scale(y, rows, columns, beta);
-    else if (const plan<T> *const prepared = plan_for<T>(a, operation, descr))
+    else if (prepared)
         prepared->with_rows(
             [&](const auto &view) { multiply_by_rows(view, {}, columns, alpha, x, beta, y); });
     else if (has_stored_rows(a) && !how.transposed && how.of.mirrored == mirror::none)

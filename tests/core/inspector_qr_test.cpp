@@ -21,7 +21,8 @@ constexpr auto plain = SPARSE_OPERATION_NON_TRANSPOSE, turned = SPARSE_OPERATION
 template <class T>
 struct inspector_qr : ::testing::Test {
 };
-TYPED_TEST_SUITE(inspector_qr, ::testing::Types<float, double>);
+using real_types = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(inspector_qr, real_types);
 
 /// Elements whose columns are far from dependent
 template <class T>
