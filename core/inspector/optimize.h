@@ -12,8 +12,9 @@ namespace xkl::core::inspector {
 // Written by xkl_sparse_set_verbose_mode, a verbose_mode_t; read by optimize. A racing optimize tells or does not.
 inline std::atomic<int32_t> told_of_plans{SPARSE_VERBOSE_OFF};
 
-/// Writing a plan out costs a few products.
-constexpr int64_t calls_that_pay = 4;
+/// Writing a plan out costs about ten products. What it replaces is some tens of percent slower where rows could be read
+/// as they are, and several times slower otherwise.
+constexpr int64_t calls_that_pay = 4, calls_that_pay_for_rows = 20;
 /// Rows a group, on average, from which threads share a group
 constexpr int64_t rows_worth_sharing = 512;
 
@@ -28,7 +29,7 @@ inline bool is_solve(purpose what)
 /// Whether a written copy would be read faster than the matrix itself.
 inline bool plan_pays(const sparse_matrix &a, const hint &said, const action &how)
 {
-    if (!a.copies_allowed || said.expected_calls < calls_that_pay)
+    if (!a.copies_allowed)
         return false;
     if (is_solve(said.what) && (how.of.block > 1 || !how.of.triangular()))
         return false;
@@ -36,7 +37,8 @@ inline bool plan_pays(const sparse_matrix &a, const hint &said, const action &ho
     const bool by_rows = own_rows && how.of.whole() && !how.transposed && !how.conjugated;
     const bool blocks = a.form == storage::bsr && a.block > 1 && how.of.whole() && !how.transposed;
     const bool narrower = std::max(a.total_rows(), a.total_cols()) <= INT32_MAX;
-    return !blocks && (!by_rows || narrower);
+    return !blocks && (!by_rows || narrower) &&
+           said.expected_calls >= (by_rows ? calls_that_pay_for_rows : calls_that_pay);
 }
 
 /// Groups the rows of a triangle by how long the chain of rows before them is.
@@ -77,62 +79,81 @@ bool group_rows(plan<T> &made, bool lower)
 
 /// Writes rows in slices unless they would be filled up too much.
 template <class T>
-bool make_slices(plan<T> &made)
+sparse_status_t make_slices(const row_view<T> &a, plan<T> &made)
 {
     constexpr int64_t height = slice_height<T>;
-    const written_rows<T> &a = made.wide;
     const int64_t count = (a.rows + height - 1) / height;
     array<int64_t> starts;
     if (!starts.make(count + 1, 0))
-        return false;
+        return SPARSE_STATUS_ALLOC_FAILED;
+    int64_t elements = 0;
     for (int64_t slice = 0; slice < count; ++slice) {
         int64_t longest = 0;
-        for (int64_t i = slice * height; i < std::min(a.rows, (slice + 1) * height); ++i)
-            longest = std::max(longest, a.starts[i + 1] - a.starts[i]);
+        for (int64_t i = slice * height; i < std::min(a.rows, (slice + 1) * height); ++i) {
+            longest = std::max(longest, a.last(i) - a.first(i));
+            elements += a.last(i) - a.first(i);
+        }
         starts[slice + 1] = starts[slice] + longest * height;
     }
     const int64_t places = starts[count];
-    if (places == 0 || static_cast<double>(places) > filling_that_pays * static_cast<double>(a.places()))
-        return true;
+    if (places == 0 || static_cast<double>(places) > filling_that_pays * static_cast<double>(elements))
+        return SPARSE_STATUS_SUCCESS;
     if (!made.slice_columns.make(places) || !made.slice_values.make(places))
-        return false;
-    for (int64_t slice = 0; slice < count; ++slice)
-        for (int64_t k = starts[slice]; k < starts[slice + 1]; ++k) {
-            const int64_t i = slice * height + (k - starts[slice]) % height;
-            const int64_t from = i < a.rows ? a.starts[i] + (k - starts[slice]) / height : 0;
-            const bool stored = i < a.rows && from < a.starts[i + 1];
-            made.slice_columns[k] = stored ? static_cast<int32_t>(a.columns[from]) : -1;
-            made.slice_values[k] = stored ? a.values[from] : T(0);
+        return SPARSE_STATUS_ALLOC_FAILED;
+    std::atomic<bool> inside{true};
+    parallel_for(count, XKL_DOMAIN_SPARSE, 4. * static_cast<double>(places / count), [&](int64_t slice) {
+        for (int64_t row = 0; row < height; ++row) {
+            const int64_t i = slice * height + row;
+            int64_t from = i < a.rows ? a.first(i) : 0;
+            const int64_t end = i < a.rows ? a.last(i) : 0;
+            for (int64_t k = starts[slice] + row; k < starts[slice + 1]; k += height, ++from) {
+                const int64_t column = from < end ? a.column(from) : -1;
+                if (from < end && (column < 0 || column >= a.cols))
+                    inside.store(false, std::memory_order_relaxed);
+                made.slice_columns[k] = static_cast<int32_t>(column);
+                made.slice_values[k] = from < end ? a.values[from] : T(0);
+            }
         }
+    });
     made.slice_starts = std::move(starts);
     made.slice_count = count;
-    return true;
+    made.slice_rows = a.rows;
+    return inside.load(std::memory_order_relaxed) ? SPARSE_STATUS_SUCCESS : SPARSE_STATUS_INVALID_VALUE;
 }
 
 /// What the announcements for one operation and description ask for
 struct wanted {
-    bool anything = false, slices = false, groups = false;
+    bool rows = false, slices = false, groups = false;
+    bool anything() const { return rows || slices; }
 };
 
 template <class T>
 sparse_status_t fill_plan(const sparse_matrix &a, const wanted &parts, const action &how, plan<T> &made)
 {
     written_rows<T> &rows = made.wide;
+    const bool sliceable =
+        parts.slices && !element<T>::is_complex && std::max(a.total_rows(), a.total_cols()) <= INT32_MAX;
+    if constexpr (!element<T>::is_complex)
+        if (sliceable && !parts.rows && has_stored_rows(a) && how.of.whole() && !how.transposed)
+            if (const auto bad = make_slices(stored_rows<T>(a), made); bad || made.slice_count > 0)
+                return bad;
     if (const auto bad = write_out(a, how, rows))
         return bad;
     if (!sort_rows(rows))
         return SPARSE_STATUS_ALLOC_FAILED;
     if (parts.groups && !group_rows(made, how.of.below != how.transposed))
         return SPARSE_STATUS_ALLOC_FAILED;
-    const int64_t places = rows.places();
-    if (rows.cols > INT32_MAX)
-        return SPARSE_STATUS_SUCCESS;
     if constexpr (!element<T>::is_complex)
-        if (parts.slices && !make_slices(made))
-            return SPARSE_STATUS_ALLOC_FAILED;
-    if (!made.narrow.make(places))
+        if (sliceable)
+            if (const auto bad = make_slices(rows.view(), made))
+                return bad;
+    if (made.slice_count > 0 && !parts.rows)
+        rows = written_rows<T>();
+    if (rows.cols > INT32_MAX || !made.has_rows())
+        return SPARSE_STATUS_SUCCESS;
+    if (!made.narrow.make(rows.places()))
         return SPARSE_STATUS_ALLOC_FAILED;
-    std::copy_n(rows.columns.data(), places, made.narrow.data());
+    std::copy_n(rows.columns.data(), rows.places(), made.narrow.data());
     rows.columns = array<int64_t>();
     return SPARSE_STATUS_SUCCESS;
 }
@@ -168,8 +189,8 @@ inline wanted asked_for(const sparse_matrix &a, const hint *hints, int count, co
     for (const hint *each = hints; each < hints + count; ++each)
         if (each->operation == like.operation && alike(each->descr, like.descr) &&
             plan_pays(a, *each, how)) {
-            parts.anything = true;
             parts.slices |= each->what == purpose::product;
+            parts.rows |= each->what != purpose::product;
             parts.groups |= is_solve(each->what);
         }
     return parts;
@@ -179,7 +200,8 @@ inline wanted asked_for(const sparse_matrix &a, const hint *hints, int count, co
 template <class T>
 sparse_status_t optimize(sparse_matrix &a)
 {
-    const hint usual{purpose::product, SPARSE_OPERATION_NON_TRANSPOSE, general_descr, calls_that_pay};
+    const hint usual{purpose::product, SPARSE_OPERATION_NON_TRANSPOSE, general_descr,
+                     calls_that_pay_for_rows};
     const hint *const hints = a.hint_count > 0 ? a.hints : &usual;
     const int count = std::max(a.hint_count, 1);
     prepared *made = nullptr;
@@ -196,7 +218,7 @@ sparse_status_t optimize(sparse_matrix &a)
         sparse_status_t bad = action_of(a, said->operation, said->descr, how);
         const wanted parts = bad ? wanted() : asked_for(a, hints, count, *said, how);
         plan<T> *one = nullptr;
-        if (parts.anything) {
+        if (parts.anything()) {
             one = make<plan<T>>(said->operation, said->descr);
             bad = one ? fill_plan(a, parts, how, *one) : SPARSE_STATUS_ALLOC_FAILED;
             if (one) {

@@ -28,7 +28,9 @@ struct plan final : prepared {
     array<int64_t> order, groups;
     int64_t group_count = 0;
 
-    // The same rows in slices, for products with a vector; real types. Empty where rows are too unequal.
+    // The same in slices, for products with a vector; real types. Empty where rows are too unequal. There are no rows
+    // besides where nothing but such products was announced.
+    int64_t slice_rows = 0;
     int64_t slice_count = 0;
     array<int64_t> slice_starts;
     array<int32_t> slice_columns;
@@ -36,6 +38,7 @@ struct plan final : prepared {
 
     plan(sparse_operation_t op, const matrix_descr &d) : operation(op), descr(d) {}
     void release() noexcept override { unmake(this); }
+    bool has_rows() const { return wide.starts.data() != nullptr; }
 
     template <class Use>
     auto with_rows(const Use &use) const
@@ -52,7 +55,7 @@ struct plan final : prepared {
 template <class T>
 void multiply_by_slices(const plan<T> &of, T alpha, const T *x, T beta, T *y)
 {
-    const slice_product<T> by{of.wide.rows,
+    const slice_product<T> by{of.slice_rows,
                               of.slice_starts.data(),
                               of.slice_columns.data(),
                               of.slice_values.data(),
@@ -81,6 +84,15 @@ const plan<T> *plan_for(const sparse_matrix &a, sparse_operation_t operation, co
     return nullptr;
 }
 
+/// The same where its rows are to be read
+template <class T>
+const plan<T> *rows_plan_for(const sparse_matrix &a, sparse_operation_t operation,
+                             const matrix_descr &descr)
+{
+    const plan<T> *const found = plan_for<T>(a, operation, descr);
+    return found && found->has_rows() ? found : nullptr;
+}
+
 /// Calls use with op(A) by rows, from the plan for it when there is one, and from A or written out otherwise.
 template <class T, class Use>
 sparse_status_t with_rows(const sparse_matrix &a, sparse_operation_t operation, const matrix_descr &descr,
@@ -89,7 +101,7 @@ sparse_status_t with_rows(const sparse_matrix &a, sparse_operation_t operation, 
     action how;
     if (const auto status = action_of(a, operation, descr, how))
         return status;
-    if (const plan<T> *const found = plan_for<T>(a, operation, descr))
+    if (const plan<T> *const found = rows_plan_for<T>(a, operation, descr))
         return found->with_rows(use);
     written_rows<T> space;
     row_view<T> view;

@@ -25,7 +25,7 @@ sparse_status_t multiply(const sparse_matrix &a, sparse_operation_t operation, c
         }
     if (alpha == T(0))
         scale(y, rows, columns, beta);
-    else if (prepared)
+    else if (prepared && prepared->has_rows())
         prepared->with_rows(
             [&](const auto &view) { multiply_by_rows(view, {}, columns, alpha, x, beta, y); });
     else if (has_stored_rows(a) && !how.transposed && how.of.mirrored == mirror::none)

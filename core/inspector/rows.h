@@ -125,10 +125,41 @@ bool sort_rows(written_rows<T> &a)
     return true;
 }
 
+/// Copies whole rows as they stand, without gaps.
+template <class T>
+sparse_status_t copy_rows(const row_view<T> &from, bool conjugated, written_rows<T> &out)
+{
+    out.rows = from.rows;
+    out.cols = from.cols;
+    if (!out.starts.make(out.rows + 1))
+        return SPARSE_STATUS_ALLOC_FAILED;
+    out.starts[0] = 0;
+    for (int64_t i = 0; i < out.rows; ++i)
+        out.starts[i + 1] = out.starts[i] + from.last(i) - from.first(i);
+    if (!out.columns.make(out.places()) || !out.values.make(out.places()))
+        return SPARSE_STATUS_ALLOC_FAILED;
+    std::atomic<bool> inside{true};
+    for_row_ranges(from, 2., [&](int64_t first, int64_t last) {
+        bool good = true;
+        for (int64_t i = first; i < last; ++i)
+            for (int64_t k = from.first(i), to = out.starts[i]; k < from.last(i); ++k, ++to) {
+                const int64_t column = from.column(k);
+                good &= column >= 0 && column < from.cols;
+                out.columns[to] = column;
+                out.values[to] = conjugated ? conjugate(from.values[k]) : from.values[k];
+            }
+        if (!good)
+            inside.store(false, std::memory_order_relaxed);
+    });
+    return inside.load(std::memory_order_relaxed) ? SPARSE_STATUS_SUCCESS : SPARSE_STATUS_INVALID_VALUE;
+}
+
 /// Writes out what an action makes of a matrix. Indices outside the matrix are refused.
 template <class T>
 sparse_status_t write_out(const sparse_matrix &a, const action &how, written_rows<T> &out)
 {
+    if (has_stored_rows(a) && how.of.whole() && !how.transposed)
+        return copy_rows(stored_rows<T>(a), how.conjugated, out);
     const bool turned = a.form == storage::csc;
     const int64_t lines = turned ? a.cols : a.total_rows(), across = turned ? a.rows : a.total_cols();
     out.rows = how.transposed ? across : lines;

@@ -136,7 +136,7 @@ sparse_status_t solve(sparse_matrix &a, sparse_operation_t operation, const matr
     const bool lower = how.of.below != how.transposed, unit = how.of.unit;
     if (how.of.block > 1)
         return solve_by_blocks(a, how, lower, columns, alpha, x, y);
-    if (const plan<T> *const by = plan_for<T>(a, operation, descr))
+    if (const plan<T> *const by = rows_plan_for<T>(a, operation, descr))
         return by->with_rows([&](const auto &view) {
             return solve_rows(a, view, {}, unit, lower, by, columns, alpha, x, y);
         });
