@@ -4,7 +4,7 @@
 #pragma once
 
 #include "arguments.h"
-#include "slices.h"
+#include "kernels.h"
 
 namespace xkl::core::inspector {
 
@@ -63,12 +63,7 @@ void multiply_by_slices(const plan<T> &of, T alpha, const T *x, T beta, T *y)
                               beta,
                               x,
                               y};
-    const auto kernel = [] {
-        if constexpr (sizeof(T) == sizeof(float))
-            return slices_in_force().s;
-        else
-            return slices_in_force().d;
-    }();
+    const auto kernel = kernels_in_force().of<T>().slices;
     const row_view<T> slices{of.slice_count, 0, by.starts, by.starts + 1, nullptr, by.values, 0};
     for_row_ranges(slices, 2., [&](int64_t first, int64_t last) { kernel(by, first, last); });
 }

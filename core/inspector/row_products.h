@@ -2,6 +2,7 @@
 #pragma once
 
 #include "arguments.h"
+#include "kernels.h"
 
 namespace xkl::core::inspector {
 
@@ -68,11 +69,28 @@ void rows_times(const row_view<T, I> &a, const action &how, int64_t first, int64
     }
 }
 
+/// A vector times all elements of real rows: by the instruction set
+template <class T, class I>
+void multiply_vector(const row_view<T, I> &a, T alpha, const T *x, T beta, T *y)
+{
+    const row_product<T, I> by{a.starts, a.ends, a.columns, a.values, a.base, alpha, beta, x, y};
+    const auto kernel = [] {
+        if constexpr (sizeof(I) == sizeof(int32_t))
+            return kernels_in_force().of<T>().narrow;
+        else
+            return kernels_in_force().of<T>().wide;
+    }();
+    for_row_ranges(a, 2., [&](int64_t first, int64_t last) { kernel(by, first, last); });
+}
+
 /// All rows, on several threads
 template <class T, class I>
 void multiply_by_rows(const row_view<T, I> &a, const action &how, int64_t columns, T alpha,
                       const dense<const T> &x, T beta, const dense<T> &y)
 {
+    if constexpr (!element<T>::is_complex)
+        if (columns == 1 && how.of.whole() && x.down == 1 && y.down == 1)
+            return multiply_vector(a, alpha, x.first, beta, y.first);
     const bool adjacent = x.by_rows() && y.by_rows(), whole = how.of.whole();
     for_row_ranges(a, 2. * static_cast<double>(columns), [&](int64_t first, int64_t last) {
         if (whole)

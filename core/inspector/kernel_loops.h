@@ -1,5 +1,5 @@
-// The product of slices, compiled once for each instruction set under internal names: a linker that merged equal
-// names would mix instruction sets. `gathered` adds one element of each row.
+// The products, compiled once for each instruction set under internal names: a linker that merged equal names would mix
+// instruction sets. Sums add one element of each row of a slice; a dot is a row times the vector.
 #pragma once
 
 namespace xkl::core::inspector {
@@ -24,6 +24,18 @@ void multiply_slices(const slice_product<T> &by, int64_t first, int64_t last)
         else
             for (int64_t i = 0; i < count; ++i)
                 y[i] = by.alpha * made[i] + by.beta * y[i];
+    }
+}
+
+/// dot(values, columns, count, x, base)
+template <class T, class I, T (*dot)(const T *, const I *, int64_t, const T *, int64_t)>
+void multiply_rows(const row_product<T, I> &by, int64_t first, int64_t last)
+{
+    for (int64_t i = first; i < last; ++i) {
+        const int64_t start = by.starts[i] - by.base;
+        const T sum =
+            by.alpha * dot(by.values + start, by.columns + start, by.ends[i] - by.starts[i], by.x, by.base);
+        by.y[i] = by.beta == T(0) ? sum : sum + by.beta * by.y[i];
     }
 }
 
