@@ -1,7 +1,6 @@
-// Products of a sparse matrix with a vector: seconds, GB/s of what must be read and written at least, beside sums over a
-// vector of as many bytes, which is what the memory can do, and beside Eigen's product. The matrix is the seven-point
-// stencil on a cube: 10^6 rows, about 7 elements each.
-// usage: bench_sparse
+// Products of a sparse matrix with a vector: seconds, GB/s of what must be read and written at least,
+// beside sums over a vector of as many bytes, which is what the memory can do, and beside Eigen's product.
+// The matrix is the seven-point stencil on a cube: 10^6 rows, about 7 elements each. usage: bench_sparse
 #include "xkl.h"
 #include "xkl_spblas.h"
 

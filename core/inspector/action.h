@@ -1,7 +1,7 @@
 // What a call makes of the stored elements: which of them count, which stand for two, and where they go.
 //
-// Storage by columns is storage by rows of the transposed matrix, so all of the code below works on rows: an
-// action says what becomes of an element (i, j) met in the rows of what is stored.
+// Storage by columns is storage by rows of the transposed matrix, so all of the code below works on rows:
+// an action says what becomes of an element (i, j) met in the rows of what is stored.
 #pragma once
 
 #include "matrix.h"
@@ -119,8 +119,8 @@ template <class T, class Emit>
         emit(j, i, how.of.mirrored == mirror::hermitian ? conjugate(value) : value);
 }
 
-/// Hands each element of the stored lines first to last - 1 to use(i, j, value), i being a line (COO: elements first
-/// to last - 1); storage by columns is read as the rows of the transposed matrix.
+/// Hands each element of the stored lines first to last - 1 to use(i, j, value), i being a line (COO:
+/// elements first to last - 1); storage by columns is read as the rows of the transposed matrix.
 template <class T, class Use>
 void each_stored(const sparse_matrix &a, int64_t first, int64_t last, const Use &use)
 {

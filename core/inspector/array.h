@@ -1,5 +1,5 @@
-// Memory of the handles: arrays from the library's allocator that give themselves back. There are no exceptions here:
-// an array that could not be made says so.
+// Memory of the handles: arrays from the library's allocator that give themselves back. There are no
+// exceptions here: an array that could not be made says so.
 #pragma once
 
 #include "blas/elements.h"

@@ -1,5 +1,5 @@
-// Solves with block triangular matrices: the blocks of the diagonal are small dense systems, factorized with row
-// exchanges at each call.
+// Solves with block triangular matrices: the blocks of the diagonal are small dense systems, factorized
+// with row exchanges at each call.
 #pragma once
 
 #include "arguments.h"

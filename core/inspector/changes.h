@@ -1,4 +1,5 @@
-// Changing and looking at the elements of a matrix: set_value, update_values, order, the sorted property, the flags.
+// Changing and looking at the elements of a matrix: set_value, update_values, order, the sorted property,
+// the flags.
 #pragma once
 
 #include "arguments.h"
@@ -74,8 +75,8 @@ inline bool is_sorted(const sparse_matrix &a)
     return true;
 }
 
-/// Sorts places first to first + count - 1 by keys(place) and moves `size` values each; order and values are space
-/// for so many.
+/// Sorts places first to first + count - 1 by keys(place) and moves `size` values each; order and values
+/// are space for so many.
 template <class T>
 void sort_places(sparse_matrix &a, int64_t first, int64_t count, int64_t size, int64_t *order,
                  int64_t *indices, T *values)

@@ -1,5 +1,5 @@
-// Other storages of op(A): convert_coo, convert_csr, convert_csc, convert_bsr. The copies have arrays of their own, and
-// indices from where A's are counted.
+// Other storages of op(A): convert_coo, convert_csr, convert_csc, convert_bsr. The copies have arrays of
+// their own, and indices from where A's are counted.
 #pragma once
 
 #include "arguments.h"
@@ -56,8 +56,8 @@ sparse_status_t written(const sparse_matrix &a, sparse_operation_t operation, bo
     return write_out(a, how, rows);
 }
 
-/// Blocks that hold an element, by rows of blocks. Where the order does not divide a size, the last blocks reach over
-/// the matrix with zeros.
+/// Blocks that hold an element, by rows of blocks. Where the order does not divide a size, the last blocks
+/// reach over the matrix with zeros.
 template <class T>
 sparse_status_t to_blocks(const sparse_matrix &a, int64_t b, sparse_layout_t layout,
                           sparse_operation_t operation, sparse_matrix **made)

@@ -1,4 +1,5 @@
-// The operands of products of two sparse matrices: op(A) as a description says, by rows, for as long as the call lasts.
+// The operands of products of two sparse matrices: op(A) as a description says, by rows, for as long as the
+// call lasts.
 #pragma once
 
 #include "arguments.h"
@@ -15,7 +16,8 @@ struct operand {
         const auto bad = action_of(a, operation, descr, how);
         return bad ? bad : rows_of(a, how, space_, rows);
     }
-    /// The other side of op(A) times its own transpose; conjugated where op is none or the conjugate transpose
+    /// The other side of op(A) times its own transpose; conjugated where op is none or the conjugate
+    /// transpose
     sparse_status_t take_mirrored(const sparse_matrix &a, sparse_operation_t operation)
     {
         action how;

@@ -109,7 +109,8 @@ bool all_there(const Address *...addresses)
     return ((addresses != nullptr) && ...);
 }
 
-/// What compressed rows, columns and blocks have in common. Stages of a product tell the arrays that they made.
+/// What compressed rows, columns and blocks have in common. Stages of a product tell the arrays that they
+/// made.
 template <class T>
 sparse_status_t tell(const sparse_matrix &a, sparse_index_base_t *base, int64_t *rows, int64_t *cols,
                      int64_t **starts, int64_t **ends, int64_t **minor, T **values)

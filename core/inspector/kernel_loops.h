@@ -1,5 +1,6 @@
-// The products, compiled once for each instruction set under internal names: a linker that merged equal names would mix
-// instruction sets. Sums add one element of each row of a slice; a dot is a row times the vector.
+// The products, compiled once for each instruction set under internal names: a linker that merged equal
+// names would mix instruction sets. Sums add one element of each row of a slice; a dot is a row times the
+// vector.
 #pragma once
 
 namespace xkl::core::inspector {

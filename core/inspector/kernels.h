@@ -1,8 +1,9 @@
 // The innermost loops of products with a vector, real types, by instruction set.
 //
-// Slices: as many neighbouring rows as a register of 64 bytes has elements, stored element after element across the
-// slice, so that a register holds one element of each row and no sum runs along a row. The short rows of a slice
-// are filled up with places that have column -1. For matrices whose neighbouring rows are about equally long.
+// Slices: as many neighbouring rows as a register of 64 bytes has elements, stored element after element
+// across the slice, so that a register holds one element of each row and no sum runs along a row. The short
+// rows of a slice are filled up with places that have column -1. For matrices whose neighbouring rows are
+// about equally long.
 #pragma once
 
 #include <cstdint>

@@ -1,8 +1,9 @@
-// The record behind a matrix handle: where the elements stand, what the program announced to do with them, and what
-// optimize prepared.
+// The record behind a matrix handle: where the elements stand, what the program announced to do with them,
+// and what optimize prepared.
 //
-// Reading threads share a handle: no product or solve changes it, but for the number of the element that the last
-// failure was about. What changes a handle (set, order, optimize...) is the caller's to keep apart.
+// Reading threads share a handle: no product or solve changes it, but for the number of the element that
+// the last failure was about. What changes a handle (set, order, optimize...) is the caller's to keep
+// apart.
 #pragma once
 
 #include "array.h"
@@ -55,8 +56,8 @@ struct sparse_matrix {
     int64_t rows = 0, cols = 0;                       // counted in blocks
     int64_t nnz = 0;                                  // COO alone: the others' follows from the arrays
 
-    // Compressed: starts, ends and the indices across. COO: rows (in starts) and columns. Null where a product in
-    // stages has not come so far.
+    // Compressed: starts, ends and the indices across. COO: rows (in starts) and columns. Null where a
+    // product in stages has not come so far.
     int64_t *starts = nullptr, *ends = nullptr, *minor = nullptr;
     void *values = nullptr;
     bool owns = false; // the four arrays, of which ends is starts + 1 then

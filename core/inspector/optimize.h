@@ -1,4 +1,5 @@
-// How optimize chooses: one plan for each operation and description that was announced often enough for a plan to pay.
+// How optimize chooses: one plan for each operation and description that was announced often enough for a
+// plan to pay.
 #pragma once
 
 #include "changes.h"
@@ -9,11 +10,12 @@
 
 namespace xkl::core::inspector {
 
-// Written by xkl_sparse_set_verbose_mode, a verbose_mode_t; read by optimize. A racing optimize tells or does not.
+// Written by xkl_sparse_set_verbose_mode, a verbose_mode_t; read by optimize. A racing optimize tells or
+// does not.
 inline std::atomic<int32_t> told_of_plans{SPARSE_VERBOSE_OFF};
 
-/// Writing a plan out costs about ten products. What it replaces is some tens of percent slower where rows could be read
-/// as they are, and several times slower otherwise.
+/// Writing a plan out costs about ten products. What it replaces is some tens of percent slower where rows
+/// could be read as they are, and several times slower otherwise.
 constexpr int64_t calls_that_pay = 4, calls_that_pay_for_rows = 20;
 /// Rows a group, on average, from which threads share a group
 constexpr int64_t rows_worth_sharing = 512;
@@ -160,25 +162,26 @@ sparse_status_t fill_plan(const sparse_matrix &a, const wanted &parts, const act
 
 /// One line about a plan, or about the matrix that is read as it is
 template <class T>
-void tell_of_plan(const sparse_matrix &a, const hint &said, const plan<T> *made)
+void tell_of_plan(const sparse_matrix &a, const hint &said, const plan<T> *made, double seconds)
 {
     const int32_t mode = told_of_plans.load(std::memory_order_relaxed);
     if (mode == SPARSE_VERBOSE_OFF)
         return;
+    const char *const form = !made                   ? "as stored"
+                             : made->slice_count > 0 ? "slices of rows"
+                             : made->narrow.data()   ? "rows with 32-bit columns"
+                                                     : "rows with 64-bit columns";
     char line[256], why[96] = "";
     if (mode == SPARSE_VERBOSE_EXTENDED)
         std::snprintf(why, sizeof why, ", %" PRId64 " calls expected, copies %s, %" PRId64 " groups",
                       said.expected_calls, a.copies_allowed ? "allowed" : "not allowed",
                       made ? made->group_count : 0);
-    std::snprintf(
-        line, sizeof line,
-        "sparse optimize: %" PRId64 " x %" PRId64 ", %" PRId64 " places, operation %d, kind %d: %s%s",
-        a.rows, a.cols, a.places(), static_cast<int>(said.operation), static_cast<int>(said.descr.type),
-        !made                 ? "as stored"
-        : made->narrow.data() ? "rows with 32-bit columns"
-                              : "rows with 64-bit columns",
-        why);
-    xkl_serv_print_verbose_info(0, 2, line);
+    std::snprintf(line, sizeof line,
+                  "sparse optimize: %" PRId64 " x %" PRId64 ", %" PRId64
+                  " places, operation %d, kind %d: %s%s",
+                  a.rows, a.cols, a.places(), static_cast<int>(said.operation),
+                  static_cast<int>(said.descr.type), form, why);
+    xkl_serv_print_verbose_info(seconds, 2, line); // 2: not the Fourier transforms
 }
 
 /// What all announcements that are like the given one, itself included, make worth its while
@@ -214,6 +217,7 @@ sparse_status_t optimize(sparse_matrix &a)
         };
         if (std::any_of(hints, said, same))
             continue;
+        const double start = xkl_serv_dsecnd();
         action how;
         sparse_status_t bad = action_of(a, said->operation, said->descr, how);
         const wanted parts = bad ? wanted() : asked_for(a, hints, count, *said, how);
@@ -230,7 +234,7 @@ sparse_status_t optimize(sparse_matrix &a)
             release_all(made);
             return bad;
         }
-        tell_of_plan<T>(a, *said, one);
+        tell_of_plan<T>(a, *said, one, xkl_serv_dsecnd() - start);
     }
     release_all(a.plans);
     a.plans = made;

@@ -1,8 +1,8 @@
-// Orthogonal factorization A P = Q R of real matrices, P reducing the fill of R: qr and its steps, on Eigen's SparseQR
-// with an approximate minimum degree ordering of the columns.
+// Orthogonal factorization A P = Q R of real matrices, P reducing the fill of R: qr and its steps, on
+// Eigen's SparseQR with an approximate minimum degree ordering of the columns.
 //
-// The factors stay with the handle. They are read by solves of any threads, and replaced by the routines that reorder
-// and factorize, which the caller keeps apart from others.
+// The factors stay with the handle. They are read by solves of any threads, and replaced by the routines
+// that reorder and factorize, which the caller keeps apart from others.
 #pragma once
 
 #include "arguments.h"
@@ -129,7 +129,8 @@ sparse_status_t factorize(sparse_matrix &a, const T *other_values)
     });
 }
 
-/// Calls step(column of b, column of x) for each right-hand side; x takes as many elements as the step left.
+/// Calls step(column of b, column of x) for each right-hand side; x takes as many elements as the step
+/// left.
 template <class T, class Step>
 sparse_status_t each_column(const dense<T> &x, int64_t rows_x, const dense<const T> &b, int64_t rows_b,
                             int64_t columns, const Step &step)
@@ -248,7 +249,8 @@ sparse_status_t xkl_sparse_qr_rsolve(sparse_operation_t operation, const sparse_
                           [&](const auto &right) { return solve_with_r(by, right, transposed); });
 }
 
-/// Least squares with A; with its transpose, where A has at least as many rows as columns, the shortest solution
+/// Least squares with A; with its transpose, where A has at least as many rows as columns, the shortest
+/// solution
 template <class T>
 sparse_status_t xkl_sparse_qr_solve(sparse_operation_t operation, sparse_matrix *a, const T *other_values,
                                     sparse_layout_t layout, int64_t columns, T *x, int64_t ldx, const T *b,

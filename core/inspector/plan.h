@@ -1,6 +1,6 @@
-// What optimize prepares: op(A), as a description says, written out by rows in order, with 32-bit columns where they
-// suffice. Products, sweeps and solves that are asked for this operation and description read it instead of A, and
-// never scatter.
+// What optimize prepares: op(A), as a description says, written out by rows in order, with 32-bit columns
+// where they suffice. Products, sweeps and solves that are asked for this operation and description read it
+// instead of A, and never scatter.
 #pragma once
 
 #include "arguments.h"
@@ -28,8 +28,8 @@ struct plan final : prepared {
     array<int64_t> order, groups;
     int64_t group_count = 0;
 
-    // The same in slices, for products with a vector; real types. Empty where rows are too unequal. There are no rows
-    // besides where nothing but such products was announced.
+    // The same in slices, for products with a vector; real types. Empty where rows are too unequal. There
+    // are no rows besides where nothing but such products was announced.
     int64_t slice_rows = 0;
     int64_t slice_count = 0;
     array<int64_t> slice_starts;
@@ -88,7 +88,8 @@ const plan<T> *rows_plan_for(const sparse_matrix &a, sparse_operation_t operatio
     return found && found->has_rows() ? found : nullptr;
 }
 
-/// Calls use with op(A) by rows, from the plan for it when there is one, and from A or written out otherwise.
+/// Calls use with op(A) by rows, from the plan for it when there is one, and from A or written out
+/// otherwise.
 template <class T, class Use>
 sparse_status_t with_rows(const sparse_matrix &a, sparse_operation_t operation, const matrix_descr &descr,
                           const Use &use)

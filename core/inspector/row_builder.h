@@ -1,7 +1,9 @@
-// Building the rows of a sparse result from terms that add up, in the stages in which a product can be asked for.
+// Building the rows of a sparse result from terms that add up, in the stages in which a product can be
+// asked for.
 //
-// A result is told as a function: terms(i, use) calls use(column, value) for each term of row i. Each thread
-// collects the terms of a row in a dense vector, so that the rows come out sorted and without doubles.
+// A result is told as a function: terms(i, use) calls use(column, value) for each term of row i. Each
+// thread collects the terms of a row in a dense vector, so that the rows come out sorted and without
+// doubles.
 #pragma once
 
 #include "arguments.h"

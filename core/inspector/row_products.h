@@ -21,8 +21,8 @@ void scale(const dense<T> &y, int64_t rows, int64_t cols, T beta)
         }
 }
 
-/// y(i, c ...) := alpha * row i of A times x(:, c ...) + beta y(i, c ...), for Count columns at once. Adjacent: the
-/// columns follow each other in memory. Whole: all elements count.
+/// y(i, c ...) := alpha * row i of A times x(:, c ...) + beta y(i, c ...), for Count columns at once.
+/// Adjacent: the columns follow each other in memory. Whole: all elements count.
 template <int Count, bool Adjacent, bool Whole, class T, class I>
 [[gnu::always_inline]] inline void row_times(const row_view<T, I> &a, const action &how, int64_t i, T alpha,
                                              const dense<const T> &x, T beta, const dense<T> &y, int64_t c)
@@ -129,8 +129,8 @@ void multiply_by_blocks(const sparse_matrix &a, int64_t columns, T alpha, const 
     });
 }
 
-/// Elements in any order, or a row that adds to many: y is scaled first and then added to, columns shared among
-/// threads.
+/// Elements in any order, or a row that adds to many: y is scaled first and then added to, columns shared
+/// among threads.
 template <class T>
 void multiply_by_elements(const sparse_matrix &a, const action &how, int64_t rows, int64_t columns, T alpha,
                           const dense<const T> &x, T beta, const dense<T> &y)

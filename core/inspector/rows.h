@@ -1,5 +1,5 @@
-// Matrices by rows as the computing code sees them: the caller's own arrays where they are what is asked for, otherwise
-// op(A) written out.
+// Matrices by rows as the computing code sees them: the caller's own arrays where they are what is asked
+// for, otherwise op(A) written out.
 #pragma once
 
 #include "action.h"
@@ -69,7 +69,8 @@ int64_t cut(const row_view<T, I> &a, int64_t piece, int64_t pieces)
     return found - a.starts;
 }
 
-/// Calls body(first, last) with ranges of rows that together are all of them, on the threads that calls may use.
+/// Calls body(first, last) with ranges of rows that together are all of them, on the threads that calls may
+/// use.
 template <class T, class I, class Body>
 void for_row_ranges(const row_view<T, I> &a, double work_each_place, const Body &body)
 {

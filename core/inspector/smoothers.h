@@ -1,5 +1,5 @@
-// Sweeps over the rows of a square matrix: symgs, symgs_mv, sorv, lu_smoother. Each row uses what the rows before it
-// just made, so a sweep stays on one thread.
+// Sweeps over the rows of a square matrix: symgs, symgs_mv, sorv, lu_smoother. Each row uses what the rows
+// before it just made, so a sweep stays on one thread.
 #pragma once
 
 #include "solves.h"
@@ -59,7 +59,8 @@ sparse_status_t sweep(sparse_matrix &a, sparse_operation_t operation, const matr
     });
 }
 
-/// x := x + inv((L + D) inv(D) (D + U)) (b - A x). What is given of D and its inverse takes the place of A's.
+/// x := x + inv((L + D) inv(D) (D + U)) (b - A x). What is given of D and its inverse takes the place of
+/// A's.
 template <class T, class I>
 sparse_status_t smooth(sparse_matrix &a, const row_view<T, I> &view, const T *given, const T *given_inverse,
                        T *x, const T *b)

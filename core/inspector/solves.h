@@ -1,5 +1,5 @@
-// Triangular solves: trsv, trsm. Rows depend on each other; columns of the right-hand side do not, nor do the rows of one
-// group of a plan.
+// Triangular solves: trsv, trsm. Rows depend on each other; columns of the right-hand side do not, nor do
+// the rows of one group of a plan.
 #pragma once
 
 #include "block_solves.h"
@@ -37,8 +37,8 @@ struct triangle {
     bool lower;        // of what is solved with: the first row comes first
     const T *diagonal; // null: ones
 
-    /// Row i for Count columns of y: takes the known ones off it and divides (or, transposed, divides and takes it off
-    /// the others).
+    /// Row i for Count columns of y: takes the known ones off it and divides (or, transposed, divides and
+    /// takes it off the others).
     template <int Count, bool Adjacent>
     [[gnu::always_inline]] void step(int64_t i, const dense<T> &y, int64_t c) const
     {

@@ -1,5 +1,5 @@
-// Sums and products with a sparse result: add, spmm, sp2m, syrk, sypr, and the inner routines of sp2m. Results are
-// compressed rows in order, counted from where A's indices are.
+// Sums and products with a sparse result: add, spmm, sp2m, syrk, sypr, and the inner routines of sp2m.
+// Results are compressed rows in order, counted from where A's indices are.
 #pragma once
 
 #include "factors.h"

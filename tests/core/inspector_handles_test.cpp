@@ -1,5 +1,5 @@
-// What handles hold and what becomes of it: storages, changes, order; statuses of bad calls, which change nothing;
-// no memory; many readers at once.
+// What handles hold and what becomes of it: storages, changes, order; statuses of bad calls, which change
+// nothing; no memory; many readers at once.
 #include "inspector_matrix.h"
 
 #include <atomic>

@@ -1,5 +1,5 @@
-// Random sparse matrices for the tests of the routines on handles: the same matrix in every storage, and dense
-// computations in extended precision to compare with.
+// Random sparse matrices for the tests of the routines on handles: the same matrix in every storage, and
+// dense computations in extended precision to compare with.
 #pragma once
 
 #include <complex>
@@ -213,7 +213,8 @@ inline std::vector<stored_as> all_storages()
     return result;
 }
 
-/// A handle over arrays of its own: unsorted, with a gap before each line, and places that are stored twice in COO
+/// A handle over arrays of its own: unsorted, with a gap before each line, and places that are stored twice
+/// in COO
 template <class T>
 class sparse {
   public:

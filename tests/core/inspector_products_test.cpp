@@ -1,5 +1,5 @@
-// Products and solves on handles against dense computations, in every storage, base, description, operation and
-// layout, before and after optimize.
+// Products and solves on handles against dense computations, in every storage, base, description, operation
+// and layout, before and after optimize.
 #include "inspector_matrix.h"
 
 namespace {
@@ -190,7 +190,8 @@ TYPED_TEST(inspector_products, a_missing_pivot_fails_and_is_told)
     }
 }
 
-/// Large enough for several threads: a five-point stencil, whose products and solves must not depend on the plan
+/// Large enough for several threads: a five-point stencil, whose products and solves must not depend on the
+/// plan
 TYPED_TEST(inspector_products, large_matrices_on_all_threads)
 {
     using T = TypeParam;

@@ -1,4 +1,5 @@
-// The orthogonal factorization: least squares by its normal equations, the steps by what they make together.
+// The orthogonal factorization: least squares by its normal equations, the steps by what they make
+// together.
 #include "inspector_matrix.h"
 
 namespace {
