@@ -42,7 +42,7 @@ sparse_status_t multiply_to_dense(sparse_operation_t op_a, const matrix_descr &d
     return SPARSE_STATUS_SUCCESS;
 }
 
-/// Threads that each have a vector to themselves
+/// C := alpha A B A' + beta C, its upper triangle. Each thread has a vector to itself, for a row of A B.
 template <class T>
 sparse_status_t triple_to_dense(const row_view<T> &a, bool conjugated, const dense<const T> &b, T alpha,
                                 T beta, const dense<T> &c)

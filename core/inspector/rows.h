@@ -69,23 +69,28 @@ int64_t cut(const row_view<T, I> &a, int64_t piece, int64_t pieces)
     return found - a.starts;
 }
 
+/// Ranges of rows for so many threads: a few each, so that a slow one is made up for
+constexpr int64_t most_ranges = 256;
+inline int64_t range_count(int64_t threads)
+{
+    return threads == 1 ? 1 : std::min(4 * threads, most_ranges);
+}
+
 /// Calls body(first, last) with ranges of rows that together are all of them, on the threads that calls may
 /// use.
 template <class T, class I, class Body>
 void for_row_ranges(const row_view<T, I> &a, double work_each_place, const Body &body)
 {
     const double work = work_each_place * static_cast<double>(a.places() + a.rows);
-    const int64_t threads = threads_for(XKL_DOMAIN_SPARSE);
-    const int64_t pieces = threads == 1 || work < loop_work_that_pays ? 1 : 4 * threads;
+    const int64_t pieces = work < loop_work_that_pays ? 1 : range_count(threads_for(XKL_DOMAIN_SPARSE));
     // The bounds are found once, in order, so that rows whose starts do not rise are still all met once.
-    int64_t bounds[257];
-    const int64_t used = std::min<int64_t>(pieces, 256);
+    int64_t bounds[most_ranges + 1];
     bounds[0] = 0;
-    for (int64_t piece = 1; piece <= used; ++piece)
-        bounds[piece] = std::max(bounds[piece - 1], cut(a, piece, used));
-    if (used == 1)
+    for (int64_t piece = 1; piece <= pieces; ++piece)
+        bounds[piece] = std::max(bounds[piece - 1], cut(a, piece, pieces));
+    if (pieces == 1)
         return body(int64_t{0}, a.rows);
-    parallel_for(used, XKL_DOMAIN_SPARSE, work / static_cast<double>(used),
+    parallel_for(pieces, XKL_DOMAIN_SPARSE, work / static_cast<double>(pieces),
                  [&](int64_t piece) { body(bounds[piece], bounds[piece + 1]); });
 }
 
