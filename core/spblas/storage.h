@@ -20,6 +20,19 @@
 
 namespace xkl::core::sparse {
 
+inline constexpr int64_t cache_line = 64;
+
+/// Asks for what comes after some elements of an array that is read once. Processors look ahead within a page
+/// only, and short lines keep them from starting early: without this a product waits for a third of its time.
+template <int64_t count, class T>
+[[gnu::always_inline]] inline void fetch_ahead(const T *place)
+{
+    constexpr uintptr_t distance = 2560;
+    const uintptr_t address = reinterpret_cast<uintptr_t>(place) + distance; // perhaps beyond the array
+    for (uintptr_t line = 0; line < count * sizeof(T); line += cache_line)
+        __builtin_prefetch(reinterpret_cast<const void *>(address + line));
+}
+
 /// Rows of CSR or columns of CSC. Places count from the first one, whatever its number is.
 template <class T>
 struct compressed {
@@ -35,9 +48,15 @@ struct compressed {
     template <class F>
     [[gnu::always_inline]] void visit(int64_t item, const F &f) const
     {
-        const int64_t first = begins[0];
-        for (int64_t p = begins[item] - first, end = ends[item] - first; p < end; ++p)
-            f(across[p] - base, values[p]);
+        int64_t p = begins[item] - begins[0];
+        const int64_t end = ends[item] - begins[0];
+        while (p < end) {
+            constexpr int64_t at_once = cache_line / sizeof(int64_t);
+            fetch_ahead<at_once>(values + p);
+            fetch_ahead<at_once>(across + p);
+            for (const int64_t stop = std::min(p + at_once, end); p < stop; ++p)
+                f(across[p] - base, values[p]);
+        }
     }
 
     /// Lines and elements both take time. Starts that don't rise make parts unequal, nothing worse.
