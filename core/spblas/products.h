@@ -125,8 +125,8 @@ void apply(const Storage &storage, const effects<T> &e, int64_t item, const colu
 
 /// The items of one of several parts
 template <bool general, bool gathers, bool scatters, class Storage, class T, class X, class Y>
-void apply_part(const Storage &storage, const effects<T> &e, int64_t part, int64_t parts, const X &x,
-                T beta, const Y &y)
+void apply_part(const Storage storage, const effects<T> &e, int64_t part, int64_t parts, const X &x, T beta,
+                const Y &y)
 {
     const int64_t end = storage.cut(part + 1, parts);
     for (int64_t item = storage.cut(part, parts); item < end; ++item)
