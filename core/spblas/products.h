@@ -22,37 +22,29 @@ struct effects {
     T alpha, gather_factor, scatter_factor;
     int64_t order; // of the leading square, all that there is of a matrix that is not general
 
+    template <class Storage>
+    effects(const matrix<Storage> &a, const description &is, bool upper, bool conjugated, const T &alpha)
+        : general(is.kind == 'G'), off_diagonal(is.kind != 'D'), before(upper != a.by_rows),
+          diagonal(is.kind != 'A' && !is.unit), real_diagonal(is.kind == 'H'), ones(is.unit),
+          conjugated(conjugated), alpha(alpha), order(std::min(a.rows, a.columns))
+    {
+        const bool mirrored = is.kind == 'S' || is.kind == 'H' || is.kind == 'A', rows = a.by_rows;
+        const bool mirror_conjugated = conjugated != (is.kind == 'H');
+        const T mirror_factor = is.kind == 'A' ? -alpha : alpha;
+        gathers = rows || mirrored || !off_diagonal;
+        scatters = off_diagonal && (!rows || mirrored);
+        gather_conjugated = rows ? conjugated : mirror_conjugated;
+        scatter_conjugated = rows ? mirror_conjugated : conjugated;
+        gather_factor = rows ? alpha : mirror_factor;
+        scatter_factor = rows ? mirror_factor : alpha;
+    }
+
     [[gnu::always_inline]] bool counts(int64_t line, int64_t place) const
     {
         return off_diagonal && (place < line) == before && place < order;
     }
     T own(T v) const { return turned(real_diagonal ? T(std::real(v)) : v, conjugated); }
 };
-
-template <class T, class Storage>
-effects<T> effects_of(const matrix<Storage> &a, const description &is, bool upper, bool conjugated, T alpha)
-{
-    const bool mirrored = is.kind == 'S' || is.kind == 'H' || is.kind == 'A', rows = a.by_rows;
-    const bool mirror_conjugated = conjugated != (is.kind == 'H');
-    const T mirror_factor = is.kind == 'A' ? -alpha : alpha;
-    effects<T> e;
-    e.general = is.kind == 'G';
-    e.off_diagonal = is.kind != 'D';
-    e.before = upper != rows;
-    e.ones = is.unit;
-    e.diagonal = is.kind != 'A' && !is.unit;
-    e.real_diagonal = is.kind == 'H';
-    e.gathers = rows || mirrored || is.kind == 'D';
-    e.scatters = is.kind != 'D' && (!rows || mirrored);
-    e.conjugated = conjugated;
-    e.gather_conjugated = rows ? conjugated : mirror_conjugated;
-    e.scatter_conjugated = rows ? mirror_conjugated : conjugated;
-    e.alpha = alpha;
-    e.gather_factor = rows ? alpha : mirror_factor;
-    e.scatter_factor = rows ? mirror_factor : alpha;
-    e.order = std::min(a.rows, a.columns);
-    return e;
-}
 
 /// Rows of y multiplied with beta. A beta of zero overwrites: what stood there may be anything.
 template <class T, class Y>
@@ -224,7 +216,7 @@ int64_t multiply(matrix<Storage> a, char trans, const description &is, T alpha, 
         a.transpose();
     if (a.rows == 0 || y.width == 0)
         return 0;
-    const effects<T> e = effects_of(a, is, is.upper != transposed, core::is(trans, 'C'), alpha);
+    const effects<T> e(a, is, is.upper != transposed, core::is(trans, 'C'), alpha);
     const auto update = [&](const auto &from, const auto &to) {
         if (alpha != T(0))
             return apply_effects(a, e, from, beta, to);
