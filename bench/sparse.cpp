@@ -1,6 +1,6 @@
-// How fast sparse matrices meet vectors: GB/s of what a product must read and write, on one thread and on all, beside
-// what as many threads can read of memory, and beside Eigen on one thread. The matrix is that of the seven-point
-// stencil on a cube of 100^3 unknowns.
+// How fast sparse matrices meet vectors: GB/s of what a product must read and write, on one thread and on
+// all, beside what as many threads can read of memory, and beside Eigen on one thread. The matrix is that of
+// the seven-point stencil on a cube of 100^3 unknowns.
 #include "xkl_service.h"
 #include "xkl_spblas.h"
 

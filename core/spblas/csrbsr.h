@@ -20,7 +20,8 @@ struct block_shape {
     }
 };
 
-/// Blocks of each block row into starts[1]..., if there are starts. Tells the sum. `marks` are for block columns.
+/// Blocks of each block row into starts[1]..., if there are starts. Tells the sum. `marks` has the last row
+/// of each block column.
 template <class T>
 int64_t count_blocks(const compressed<T> &a, int64_t order, int64_t *marks, int64_t *starts)
 {

@@ -11,8 +11,8 @@ namespace sparse {
 
 inline constexpr int64_t no_memory_for_diagonals = -100;
 
-/// The wanted diagonals with most elements, by ascending distance from the main one. `counts` and `order` have
-/// room for all 2n - 1. Tells how many there are.
+/// The wanted diagonals with most elements, by ascending distance from the main one. `counts` and `order`
+/// have room for all 2n - 1. Tells how many there are.
 template <class T>
 int64_t fullest_diagonals(const compressed<T> &a, int64_t wanted, int64_t *counts, int64_t *order,
                           int64_t *distance)

@@ -6,7 +6,8 @@
 namespace xkl::core {
 namespace sparse {
 
-/// The places of a dense matrix that take part. It is stored by columns if its indices start at 1, else by rows.
+/// The places of a dense matrix that take part. It is stored by columns if its indices start at 1, else by
+/// rows.
 struct dense_part {
     enum kind : int64_t { lower = 0, upper = 1, whole = 2 };
     int64_t part, rows, columns, lead;

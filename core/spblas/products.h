@@ -1,9 +1,9 @@
 // y := alpha*op(A)*x + beta*y in every storage, for one column or for several.
 //
 // An element has two effects at most. Seen from its line l, with its place j on it: it adds to y(l) what it
-// makes of x(j) (it gathers), or to y(j) what it makes of x(l) (it scatters). In a row an element of a general
-// matrix gathers, in a column it scatters; one of a symmetric matrix stands for its mirror image too, and
-// does both. Lines that only gather are shared among threads as they are; for others each thread adds to a
+// makes of x(j) (it gathers), or to y(j) what it makes of x(l) (it scatters). In a row an element of a
+// general matrix gathers, in a column it scatters; one of a symmetric matrix stands for its mirror image
+// too, and does both. Lines that only gather are shared among threads as they are; for others each thread adds to a
 // vector of its own.
 #pragma once
 

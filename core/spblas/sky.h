@@ -1,4 +1,5 @@
-// Products and solves with triangles in skyline storage. A general matrix has no place in it, and is reported.
+// Products and solves with triangles in skyline storage. A general matrix has no place in it, and is
+// reported.
 #pragma once
 
 #include "blas/report.h"

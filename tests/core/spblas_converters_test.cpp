@@ -1,5 +1,5 @@
-// The converters of the classic sparse BLAS: what they make of random matrices, both ways and in every base, which
-// arrays their jobs leave alone, and what info tells.
+// The converters of the classic sparse BLAS: what they make of random matrices, both ways and in every base,
+// which arrays their jobs leave alone, and what info tells.
 #include "spblas_matrix.h"
 
 namespace {

@@ -1,6 +1,8 @@
-// Products and solves of the classic sparse BLAS in every storage and type, with every kind of matrix, triangle,
-// diagonal, base and transposition, against dense matrices in extended precision.
+// Products and solves of the classic sparse BLAS in every storage and type, with every kind of matrix,
+// triangle, diagonal, base and transposition, against dense matrices in extended precision.
 #include "spblas_matrix.h"
+
+#include "xkl_service.h"
 
 namespace {
 using namespace spblas_test;
@@ -276,6 +278,26 @@ TYPED_TEST(spblas_products, sizes_of_zero)
                     blocks.integers[0].data(), blocks.integers[1].data(), blocks.integers[2].data(), &one,
                     &one, nullptr}),
               0);
+}
+
+/// Skyline storage has one triangle, which is no general matrix.
+TYPED_TEST(spblas_products, skylines_are_not_general)
+{
+    using T = TypeParam;
+    static std::string reported;
+    const xkl_xerbla_handler before =
+        xkl_set_xerbla([](const char *name, const int64_t *position, int64_t length) {
+            reported = std::string(name, static_cast<size_t>(length)) + " " + std::to_string(*position);
+        });
+    const sample<T> a(4, 4, {'G', 'L', 'N', true});
+    for (const char *which : {"MV", "MM"}) {
+        const dense_operand<T> x(4, 1, false);
+        operation<T> call{in_skyline(a), a.is, 'N', T(1), T(0), x, x};
+        call.run(which);
+        EXPECT_EQ(reported, name_of<T>(std::string("XKL_?SKY") + which) + (which[1] == 'V' ? " 5" : " 6"));
+        EXPECT_TRUE(call.y.elements == x.elements);
+    }
+    xkl_set_xerbla(before);
 }
 
 /// A solution may take the place of the right-hand side.

@@ -1,5 +1,5 @@
-// Sums and products of the classic sparse BLAS whose result is sparse, or dense of two sparse ones: stages, room,
-// order of indices, against dense matrices.
+// Sums and products of the classic sparse BLAS whose result is sparse, or dense of two sparse ones: stages,
+// room, order of indices, against dense matrices.
 #include "spblas_matrix.h"
 
 namespace {
