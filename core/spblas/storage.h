@@ -180,12 +180,18 @@ T turned(T v, bool conjugated)
         return v;
 }
 
-/// y := y + a*x
+/// y := y + a*x, of real elements several at once
 template <class T>
 void add_multiple(int64_t n, T a, const T *x, T *y)
 {
-#pragma GCC ivdep
-    for (int64_t q = 0; q < n; ++q)
+    int64_t q = 0;
+    if constexpr (!element<T>::is_complex) {
+        typedef T several __attribute__((vector_size(32), aligned(alignof(T)), may_alias));
+        constexpr int64_t count = sizeof(several) / sizeof(T);
+        for (; q + count <= n; q += count)
+            *reinterpret_cast<several *>(y + q) += a * *reinterpret_cast<const several *>(x + q);
+    }
+    for (; q < n; ++q)
         y[q] += product(a, x[q]);
 }
 
