@@ -12,6 +12,8 @@
 
 #include "solvers/matrix.h"
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace xkl::core::solvers {
@@ -21,8 +23,8 @@ struct engine_options {
     double pivot_threshold = 0; // relative to the largest element, where small pivots are changed
     bool change_pivots = true;
     bool scaling = false;
-    bool own_order = false;            // the engine had better choose the order itself, by the values
-    std::vector<int64_t> schur = {};   // the unknowns of the Schur complement, ascending
+    bool own_order = false;          // the engine had better choose the order itself, by the values
+    std::vector<int64_t> schur = {}; // the unknowns of the Schur complement, ascending
 };
 
 // What is known after a factorization.
@@ -32,7 +34,26 @@ struct factor_facts {
     double operations = 0;
     int64_t positive = -1, negative = -1; // eigenvalues, where known
     int64_t changed_pivots = 0;
-    int64_t bad_row = -1; // where it failed, from 0
+    int64_t bad_row = -1;                 // where it failed, from 0
+    std::complex<double> determinant = 0; // times 2 to the exponent
+    int64_t exponent = 0;
+
+    // The determinant is a product of pivots, which would soon be too large or too small.
+    void begin_determinant(double sign)
+    {
+        determinant = sign;
+        exponent = 0;
+    }
+    void multiply_determinant(std::complex<double> pivot)
+    {
+        determinant *= pivot;
+        const double size = std::max(std::abs(determinant.real()), std::abs(determinant.imag()));
+        if (size == 0 || !std::isfinite(size))
+            return;
+        const int by = std::ilogb(size);
+        determinant = {std::scalbn(determinant.real(), -by), std::scalbn(determinant.imag(), -by)};
+        exponent += by;
+    }
 };
 
 enum class solve_part { all, lower, diagonal, upper };

@@ -44,7 +44,7 @@ class fixed_pivots final : public engine<T> {
     void count_elements();
     int64_t reach(int64_t k);
     T eliminate(int64_t k, int64_t top, T pivot);
-    bool accept(int64_t k, T original, T &pivot, double threshold);
+    bool accept(T original, T &pivot, double threshold);
     void lower(bool transposed, T *y) const;
     void upper(bool transposed, T *y) const;
     void divide(T *y) const;
@@ -100,9 +100,11 @@ void fixed_pivots<T>::place_elements(const pattern &a)
     row_place_.clear();
     column_place_.clear();
     for (auto &row : rows) {
-        std::sort(row.begin(), row.end(), [](const element &x, const element &y) { return x.column < y.column; });
+        std::sort(row.begin(), row.end(),
+                  [](const element &x, const element &y) { return x.column < y.column; });
         for (const element &e : row) {
-            if (static_cast<int64_t>(row_column_.size()) > row_start_.back() && row_column_.back() == e.column) {
+            if (static_cast<int64_t>(row_column_.size()) > row_start_.back() &&
+                row_column_.back() == e.column) {
                 row_place_.back() = std::max(row_place_.back(), e.in_row);
                 column_place_.back() = std::max(column_place_.back(), e.in_column);
                 continue;
@@ -194,7 +196,7 @@ T fixed_pivots<T>::eliminate(int64_t k, int64_t top, T pivot)
 }
 
 template <class T>
-bool fixed_pivots<T>::accept(int64_t k, T original, T &pivot, double threshold)
+bool fixed_pivots<T>::accept(T original, T &pivot, double threshold)
 {
     const double size = std::abs(pivot);
     if (options_.kind.positive_definite)
@@ -205,8 +207,8 @@ bool fixed_pivots<T>::accept(int64_t k, T original, T &pivot, double threshold)
         // A complex pivot keeps its direction: the routine sees its length.
         const bool on_real_line = std::is_floating_point_v<T> || conjugated();
         double changed = on_real_line ? static_cast<double>(std::real(pivot)) : size;
-        if (perturb_pivot(on_real_line ? static_cast<double>(std::real(original)) : std::abs(original), changed,
-                          threshold)) {
+        if (perturb_pivot(on_real_line ? static_cast<double>(std::real(original)) : std::abs(original),
+                          changed, threshold)) {
             using real = decltype(std::real(pivot));
             pivot = on_real_line || size == 0 ? T(static_cast<real>(changed))
                                               : pivot * static_cast<real>(changed / size);
@@ -215,7 +217,6 @@ bool fixed_pivots<T>::accept(int64_t k, T original, T &pivot, double threshold)
     }
     this->facts.positive += std::real(pivot) > 0;
     this->facts.negative += std::real(pivot) < 0;
-    this->facts.bad_row = pivot == T{} ? order_[k] : -1;
     return pivot != T{};
 }
 
@@ -225,6 +226,7 @@ int64_t fixed_pivots<T>::factor(const pattern &a, const T *values)
     auto &facts = this->facts;
     facts.positive = facts.negative = facts.changed_pivots = 0;
     facts.bad_row = -1;
+    facts.begin_determinant(1);
     l_.resize(start_[n_]);
     index_.resize(start_[n_]);
     u_.resize(unsymmetric() ? start_[n_] : 0);
@@ -257,10 +259,11 @@ int64_t fixed_pivots<T>::factor(const pattern &a, const T *values)
         diagonal_[k] = eliminate(k, top, original);
         if (conjugated())
             diagonal_[k] = std::real(diagonal_[k]);
-        if (!accept(k, original, diagonal_[k], options_.pivot_threshold * largest)) {
+        if (!accept(original, diagonal_[k], options_.pivot_threshold * largest)) {
             facts.bad_row = order_[k];
             return XKL_PARDISO_ZERO_PIVOT;
         }
+        facts.multiply_determinant(std::complex<double>(diagonal_[k]));
     }
     if (options_.kind.positive_definite)
         facts.positive = n_;

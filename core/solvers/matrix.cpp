@@ -64,8 +64,8 @@ input_fault asymmetry(const input_rows &input, bool ordered)
         for (int64_t place = input.ia[row]; place < input.ia[row + 1]; ++place) {
             const int64_t column = input.ja[place - input.base] - input.base;
             if (!has_element(input, column, row, ordered))
-                return fault_at(XKL_SPARSE_CHECKER_NONTRIANGULAR, row, place, column + input.base,
-                                row + input.base);
+                return fault_at(XKL_SPARSE_CHECKER_NONTRIANGULAR, row, place - input.base,
+                                column + input.base, row);
         }
     return {};
 }
@@ -76,22 +76,21 @@ input_fault find_fault(const input_rows &input, int64_t structure, bool ordered)
 {
     const int64_t base = input.base;
     if (input.ia[0] != base)
-        return fault_at(XKL_SPARSE_CHECKER_NON_MONOTONIC, 0, base, input.ia[0], input.ia[1]);
+        return fault_at(XKL_SPARSE_CHECKER_NON_MONOTONIC, 0, 0, input.ia[0], input.ia[1]);
     for (int64_t row = 0; row < input.n; ++row)
         if (input.ia[row + 1] < input.ia[row])
-            return fault_at(XKL_SPARSE_CHECKER_NON_MONOTONIC, row, row + base, input.ia[row],
-                            input.ia[row + 1]);
+            return fault_at(XKL_SPARSE_CHECKER_NON_MONOTONIC, row, row, input.ia[row], input.ia[row + 1]);
     for (int64_t row = 0; row < input.n; ++row)
         for (int64_t place = input.ia[row]; place < input.ia[row + 1]; ++place) {
             const int64_t column = input.ja[place - base];
             if (column < base || column >= input.n + base)
-                return fault_at(XKL_SPARSE_CHECKER_OUT_OF_RANGE, row, place, column, row + base);
+                return fault_at(XKL_SPARSE_CHECKER_OUT_OF_RANGE, row, place - base, column, row);
             if ((structure == XKL_UPPER_TRIANGULAR && column < row + base) ||
                 (structure == XKL_LOWER_TRIANGULAR && column > row + base))
-                return fault_at(XKL_SPARSE_CHECKER_NONTRIANGULAR, row, place, column, row + base);
+                return fault_at(XKL_SPARSE_CHECKER_NONTRIANGULAR, row, place - base, column, row);
             if (ordered && place > input.ia[row] && column <= input.ja[place - 1 - base])
-                return fault_at(XKL_SPARSE_CHECKER_NONORDERED, row, place, input.ja[place - 1 - base],
-                                column);
+                return fault_at(XKL_SPARSE_CHECKER_NONORDERED, row, place - base,
+                                input.ja[place - 1 - base], column);
         }
     return structure == XKL_STRUCTURAL_SYMMETRIC ? asymmetry(input, ordered) : input_fault{};
 }

@@ -45,14 +45,15 @@ struct pattern {
     bool diagonal_only() const;
 };
 
-// A fault of the input: a status of the matrix checker and what it tells.
+// A fault of the input: a status of the matrix checker and what it tells. Rows and places count from 0, columns and row
+// starts are as they stand in the arrays.
 struct input_fault {
     int64_t status = XKL_SPARSE_CHECKER_SUCCESS;
     int64_t about[3] = {0, 0, 0};
     int64_t row = 0; // from 0
 };
 
-// The first fault of rows, in their order. Places and indices of the result count as the input does.
+// The first fault of rows, in their order.
 input_fault find_fault(const input_rows &input, int64_t structure, bool ordered);
 
 // Brings input without such faults into form; false when an element comes twice. Rows need not be ordered.

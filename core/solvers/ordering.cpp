@@ -67,13 +67,12 @@ std::vector<int64_t> nested_dissection(const pattern &a)
     owned<SCOTCH_Strat, SCOTCH_stratExit> strategy;
     of_matrix.made = SCOTCH_graphInit(&of_matrix.object) == 0;
     strategy.made = SCOTCH_stratInit(&strategy.object) == 0;
-    const bool done =
-        of_matrix.made && strategy.made &&
-        SCOTCH_graphBuild(&of_matrix.object, 0, a.n, edges.start.data(), nullptr, nullptr, nullptr,
-                          static_cast<SCOTCH_Num>(edges.neighbour.size()), edges.neighbour.data(),
-                          nullptr) == 0 &&
-        SCOTCH_graphOrder(&of_matrix.object, &strategy.object, nullptr, order.data(), nullptr, nullptr,
-                          nullptr) == 0;
+    const bool done = of_matrix.made && strategy.made &&
+                      SCOTCH_graphBuild(&of_matrix.object, 0, a.n, edges.start.data(), nullptr, nullptr,
+                                        nullptr, static_cast<SCOTCH_Num>(edges.neighbour.size()),
+                                        edges.neighbour.data(), nullptr) == 0 &&
+                      SCOTCH_graphOrder(&of_matrix.object, &strategy.object, nullptr, order.data(), nullptr,
+                                        nullptr, nullptr) == 0;
     return done ? order : std::vector<int64_t>{};
 }
 
@@ -109,13 +108,7 @@ bool is_permutation(const std::vector<int64_t> &order)
 
 // SCOTCH's reports of its errors: the routine that failed says so, the caller gets an error code.
 extern "C" {
-void SCOTCH_errorProg(const char *)
-{
-}
-void SCOTCH_errorPrint(const char *, ...)
-{
-}
-void SCOTCH_errorPrintW(const char *, ...)
-{
-}
+void SCOTCH_errorProg(const char *) {}
+void SCOTCH_errorPrint(const char *, ...) {}
+void SCOTCH_errorPrintW(const char *, ...) {}
 }

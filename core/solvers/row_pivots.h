@@ -22,21 +22,31 @@ class row_pivots final : public engine<T> {
     using matrix = Eigen::SparseMatrix<T, Eigen::ColMajor, int64_t>;
     using vector = Eigen::Matrix<T, Eigen::Dynamic, 1>;
 
-    // The order is in the matrix already. Tells the smallest pivot, which the library keeps to itself.
+    // The order is in the matrix already. Tells of the pivots, which the library keeps to itself.
     class factors : public Eigen::SparseLU<matrix, Eigen::NaturalOrdering<int64_t>> {
       public:
-        double smallest_pivot() const
+        double look_at_pivots(factor_facts &facts) const
         {
             double smallest = std::numeric_limits<double>::infinity();
+            facts.begin_determinant(this->rowsPermutation().determinant() *
+                                    this->colsPermutation().determinant());
             for (int64_t j = 0; j < this->cols(); ++j)
                 for (typename factors::SCMatrix::InnerIterator it(this->m_Lstore, j); it; ++it)
                     if (it.index() == j) {
                         smallest = std::min<double>(smallest, std::abs(it.value()));
+                        facts.multiply_determinant(std::complex<double>(it.value()));
                         break;
                     }
             return smallest;
         }
     };
+
+    void use_order_sign()
+    {
+        const Eigen::PermutationMatrix<Eigen::Dynamic, Eigen::Dynamic, int64_t> order(
+            Eigen::Map<const Eigen::Matrix<int64_t, Eigen::Dynamic, 1>>(order_.data(), permuted_.cols()));
+        this->facts.determinant *= static_cast<double>(order.determinant());
+    }
 
     std::vector<int64_t> order_; // of the columns
     std::vector<int64_t> source_;
@@ -84,8 +94,9 @@ int64_t row_pivots<T>::factor(const pattern &a, const T *values)
     factors_.factorize(permuted_);
     using real = typename Eigen::NumTraits<T>::Real;
     if (factors_.info() != Eigen::Success ||
-        !(factors_.smallest_pivot() > 4 * std::numeric_limits<real>::epsilon() * largest))
+        !(factors_.look_at_pivots(this->facts) > 4 * std::numeric_limits<real>::epsilon() * largest))
         return XKL_PARDISO_ZERO_PIVOT;
+    use_order_sign();
     this->facts.nonzeros = factors_.nnzL() + factors_.nnzU();
     this->facts.elements_of_memory = this->facts.nonzeros;
     return XKL_PARDISO_SUCCESS;

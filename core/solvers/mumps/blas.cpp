@@ -16,19 +16,19 @@ void gemm(const char *transa, const char *transb, small m, small n, small k, con
 }
 
 template <class T>
-void gemv(const char *trans, small m, small n, const T *alpha, const T *a, small lda, const T *x, small incx,
-          const T *beta, T *y, small incy)
+void gemv(const char *trans, small m, small n, const T *alpha, const T *a, small lda, const T *x,
+          small incx, const T *beta, T *y, small incy)
 {
-    call(entries::gemv<T>, *trans, int64_t{*m}, int64_t{*n}, alpha, a, int64_t{*lda}, x, int64_t{*incx}, beta,
-         y, int64_t{*incy});
+    call(entries::gemv<T>, *trans, int64_t{*m}, int64_t{*n}, alpha, a, int64_t{*lda}, x, int64_t{*incx},
+         beta, y, int64_t{*incy});
 }
 
 template <class T>
 void trsm(const char *side, const char *uplo, const char *trans, const char *diag, small m, small n,
           const T *alpha, const T *a, small lda, T *b, small ldb)
 {
-    call(entries::trsm<T>, *side, *uplo, *trans, *diag, int64_t{*m}, int64_t{*n}, alpha, a, int64_t{*lda}, b,
-         int64_t{*ldb});
+    call(entries::trsm<T>, *side, *uplo, *trans, *diag, int64_t{*m}, int64_t{*n}, alpha, a, int64_t{*lda},
+         b, int64_t{*ldb});
 }
 
 template <class T>
@@ -62,7 +62,8 @@ void larfg(small n, T *alpha, T *x, small incx, T *tau)
 }
 
 template <auto Entry, class T>
-void generate_q(small m, small n, small k, T *a, small lda, const T *tau, T *work, small lwork, int32_t *info)
+void generate_q(small m, small n, small k, T *a, small lda, const T *tau, T *work, small lwork,
+                int32_t *info)
 {
     int64_t wide_info = 0;
     call(Entry, int64_t{*m}, int64_t{*n}, int64_t{*k}, a, int64_t{*lda}, tau, work, int64_t{*lwork},
@@ -78,42 +79,43 @@ using xkl::core::complex8;
 using small = const int32_t *;
 
 // The hidden lengths at the ends of the lists are not read.
-#define XKL_MUMPS_BLAS(letter, T)                                                                            \
-    void xkl_mumps_##letter##gemm(const char *transa, const char *transb, small m, small n, small k,         \
-                                  const T *alpha, const T *a, small lda, const T *b, small ldb,              \
-                                  const T *beta, T *c, small ldc)                                            \
-    {                                                                                                        \
-        xkl::core::gemm(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);                       \
-    }                                                                                                        \
-    void xkl_mumps_##letter##gemv(const char *trans, small m, small n, const T *alpha, const T *a,           \
-                                  small lda, const T *x, small incx, const T *beta, T *y, small incy)        \
-    {                                                                                                        \
-        xkl::core::gemv(trans, m, n, alpha, a, lda, x, incx, beta, y, incy);                                 \
-    }                                                                                                        \
-    void xkl_mumps_##letter##trsm(const char *side, const char *uplo, const char *trans, const char *diag,   \
-                                  small m, small n, const T *alpha, const T *a, small lda, T *b, small ldb)  \
-    {                                                                                                        \
-        xkl::core::trsm(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);                               \
-    }                                                                                                        \
-    void xkl_mumps_##letter##axpy(small n, const T *alpha, const T *x, small incx, T *y, small incy)         \
-    {                                                                                                        \
-        xkl::core::axpy(n, alpha, x, incx, y, incy);                                                         \
-    }                                                                                                        \
-    void xkl_mumps_##letter##copy(small n, const T *x, small incx, T *y, small incy)                         \
-    {                                                                                                        \
-        xkl::core::copy(n, x, incx, y, incy);                                                                \
-    }                                                                                                        \
-    void xkl_mumps_##letter##swap(small n, T *x, small incx, T *y, small incy)                               \
-    {                                                                                                        \
-        xkl::core::swap(n, x, incx, y, incy);                                                                \
-    }                                                                                                        \
-    void xkl_mumps_##letter##scal(small n, const T *alpha, T *x, small incx)                                 \
-    {                                                                                                        \
-        xkl::core::scal(n, alpha, x, incx);                                                                  \
-    }                                                                                                        \
-    void xkl_mumps_##letter##larfg(small n, T *alpha, T *x, small incx, T *tau)                              \
-    {                                                                                                        \
-        xkl::core::larfg(n, alpha, x, incx, tau);                                                            \
+#define XKL_MUMPS_BLAS(letter, T)                                                                          \
+    void xkl_mumps_##letter##gemm(const char *transa, const char *transb, small m, small n, small k,       \
+                                  const T *alpha, const T *a, small lda, const T *b, small ldb,            \
+                                  const T *beta, T *c, small ldc)                                          \
+    {                                                                                                      \
+        xkl::core::gemm(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);                     \
+    }                                                                                                      \
+    void xkl_mumps_##letter##gemv(const char *trans, small m, small n, const T *alpha, const T *a,         \
+                                  small lda, const T *x, small incx, const T *beta, T *y, small incy)      \
+    {                                                                                                      \
+        xkl::core::gemv(trans, m, n, alpha, a, lda, x, incx, beta, y, incy);                               \
+    }                                                                                                      \
+    void xkl_mumps_##letter##trsm(const char *side, const char *uplo, const char *trans, const char *diag, \
+                                  small m, small n, const T *alpha, const T *a, small lda, T *b,           \
+                                  small ldb)                                                               \
+    {                                                                                                      \
+        xkl::core::trsm(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);                             \
+    }                                                                                                      \
+    void xkl_mumps_##letter##axpy(small n, const T *alpha, const T *x, small incx, T *y, small incy)       \
+    {                                                                                                      \
+        xkl::core::axpy(n, alpha, x, incx, y, incy);                                                       \
+    }                                                                                                      \
+    void xkl_mumps_##letter##copy(small n, const T *x, small incx, T *y, small incy)                       \
+    {                                                                                                      \
+        xkl::core::copy(n, x, incx, y, incy);                                                              \
+    }                                                                                                      \
+    void xkl_mumps_##letter##swap(small n, T *x, small incx, T *y, small incy)                             \
+    {                                                                                                      \
+        xkl::core::swap(n, x, incx, y, incy);                                                              \
+    }                                                                                                      \
+    void xkl_mumps_##letter##scal(small n, const T *alpha, T *x, small incx)                               \
+    {                                                                                                      \
+        xkl::core::scal(n, alpha, x, incx);                                                                \
+    }                                                                                                      \
+    void xkl_mumps_##letter##larfg(small n, T *alpha, T *x, small incx, T *tau)                            \
+    {                                                                                                      \
+        xkl::core::larfg(n, alpha, x, incx, tau);                                                          \
     }
 
 extern "C" {
@@ -156,8 +158,8 @@ void xkl_mumps_dorgqr(small m, small n, small k, double *a, small lda, const dou
 {
     xkl::core::generate_q<xkl_lapack_dorgqr>(m, n, k, a, lda, tau, work, lwork, info);
 }
-void xkl_mumps_cungqr(small m, small n, small k, complex8 *a, small lda, const complex8 *tau, complex8 *work,
-                      small lwork, int32_t *info)
+void xkl_mumps_cungqr(small m, small n, small k, complex8 *a, small lda, const complex8 *tau,
+                      complex8 *work, small lwork, int32_t *info)
 {
     xkl::core::generate_q<xkl_lapack_cungqr>(m, n, k, a, lda, tau, work, lwork, info);
 }

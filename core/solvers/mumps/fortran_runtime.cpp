@@ -166,9 +166,7 @@ void _gfortran_random_r8(double *result)
     *result = 0.5;
 }
 
-void _gfortran_date_and_time(char *, char *, char *, array *, size_t, size_t, size_t)
-{
-}
+void _gfortran_date_and_time(char *, char *, char *, array *, size_t, size_t, size_t) {}
 
 [[noreturn]] void _gfortran_os_error_at(const char *, const char *, ...)
 {
@@ -201,61 +199,23 @@ int esmumpsv(int64_t, int64_t, int64_t *, int64_t, int64_t *, int64_t *, int64_t
     return -1;
 }
 
-void _gfortran_st_close(void *)
-{
-}
-void _gfortran_st_inquire(void *)
-{
-}
-void _gfortran_st_open(void *)
-{
-}
-void _gfortran_st_read(void *)
-{
-}
-void _gfortran_st_read_done(void *)
-{
-}
-void _gfortran_st_write(void *)
-{
-}
-void _gfortran_st_write_done(void *)
-{
-}
-void _gfortran_transfer_array(void *, array *, int, size_t)
-{
-}
-void _gfortran_transfer_array_write(void *, array *, int, size_t)
-{
-}
-void _gfortran_transfer_character(void *, void *, size_t)
-{
-}
-void _gfortran_transfer_character_write(void *, void *, size_t)
-{
-}
-void _gfortran_transfer_complex(void *, void *, int)
-{
-}
-void _gfortran_transfer_complex_write(void *, void *, int)
-{
-}
-void _gfortran_transfer_integer(void *, void *, int)
-{
-}
-void _gfortran_transfer_integer_write(void *, void *, int)
-{
-}
-void _gfortran_transfer_logical(void *, void *, int)
-{
-}
-void _gfortran_transfer_logical_write(void *, void *, int)
-{
-}
-void _gfortran_transfer_real(void *, void *, int)
-{
-}
-void _gfortran_transfer_real_write(void *, void *, int)
-{
-}
+void _gfortran_st_close(void *) {}
+void _gfortran_st_inquire(void *) {}
+void _gfortran_st_open(void *) {}
+void _gfortran_st_read(void *) {}
+void _gfortran_st_read_done(void *) {}
+void _gfortran_st_write(void *) {}
+void _gfortran_st_write_done(void *) {}
+void _gfortran_transfer_array(void *, array *, int, size_t) {}
+void _gfortran_transfer_array_write(void *, array *, int, size_t) {}
+void _gfortran_transfer_character(void *, void *, size_t) {}
+void _gfortran_transfer_character_write(void *, void *, size_t) {}
+void _gfortran_transfer_complex(void *, void *, int) {}
+void _gfortran_transfer_complex_write(void *, void *, int) {}
+void _gfortran_transfer_integer(void *, void *, int) {}
+void _gfortran_transfer_integer_write(void *, void *, int) {}
+void _gfortran_transfer_logical(void *, void *, int) {}
+void _gfortran_transfer_logical_write(void *, void *, int) {}
+void _gfortran_transfer_real(void *, void *, int) {}
+void _gfortran_transfer_real_write(void *, void *, int) {}
 }

@@ -36,9 +36,18 @@ class fronts final : public engine<T> {
     {
         return solve_step(transposed, x, nrhs, 0, nullptr);
     }
-    const T *schur() override { return schur_.empty() ? nullptr : reinterpret_cast<const T *>(schur_.data()); }
-    int64_t condense(T *x, T *reduced, int64_t nrhs) override { return solve_step(false, x, nrhs, 1, reduced); }
-    int64_t expand(T *x, T *reduced, int64_t nrhs) override { return solve_step(false, x, nrhs, 2, reduced); }
+    const T *schur() override
+    {
+        return schur_.empty() ? nullptr : reinterpret_cast<const T *>(schur_.data());
+    }
+    int64_t condense(T *x, T *reduced, int64_t nrhs) override
+    {
+        return solve_step(false, x, nrhs, 1, reduced);
+    }
+    int64_t expand(T *x, T *reduced, int64_t nrhs) override
+    {
+        return solve_step(false, x, nrhs, 2, reduced);
+    }
 
   private:
     static constexpr bool doubled = !std::is_same_v<T, R>;
@@ -51,6 +60,7 @@ class fronts final : public engine<T> {
     void set_values(const pattern &a, const T *values);
     void set_order(bool with_values);
     int64_t judge();
+    void halve_determinant();
     int64_t solve_step(bool transposed, T *x, int64_t nrhs, int step, T *reduced);
 
     engine_options options_;
@@ -159,6 +169,7 @@ void fronts<T, R>::set_order(bool with_values)
     m_.icntl[5] = !own ? 0 : with_values ? 7 : options_.kind.form == symmetry::none ? 1 : 0;
     m_.icntl[11] = own && options_.kind.form != symmetry::none && with_values ? 2 : 1;
     m_.icntl[7] = options_.scaling ? 77 : 0;
+    m_.icntl[32] = 1; // the determinant
     m_.icntl[23] = 1; // tells rows without a pivot instead of giving up
 }
 
@@ -241,13 +252,29 @@ int64_t fronts<T, R>::judge()
         facts.bad_row = m_.pivnul_list ? (m_.pivnul_list[0] - 1) / parts : -1;
         return XKL_PARDISO_ZERO_PIVOT;
     }
+    facts.begin_determinant(1);
+    facts.multiply_determinant({m_.rinfog[11], m_.rinfog[12]});
+    facts.exponent += m_.infog[33];
     const bool real_eigenvalues = doubled || !options_.kind.is_complex;
     if (options_.kind.form == symmetry::none || !real_eigenvalues)
         return XKL_PARDISO_SUCCESS;
     facts.negative = m_.infog[11] / parts;
     facts.positive = (m_.n - m_.size_schur) / parts - facts.negative;
+    if (doubled)
+        halve_determinant();
     return options_.kind.positive_definite && facts.negative > 0 ? XKL_PARDISO_ZERO_PIVOT
                                                                  : XKL_PARDISO_SUCCESS;
+}
+
+// The doubled matrix has the square of a Hermitian one's.
+template <class T, class R>
+void fronts<T, R>::halve_determinant()
+{
+    auto &facts = this->facts;
+    const int64_t odd = facts.exponent & 1;
+    facts.determinant =
+        std::sqrt(std::abs(facts.determinant) * (odd ? 2 : 1)) * (facts.negative % 2 ? -1 : 1);
+    facts.exponent = (facts.exponent - odd) / 2;
 }
 
 // step: 0 solves, 1 takes the right-hand sides to those of the Schur complement, 2 completes from its
