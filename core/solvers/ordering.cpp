@@ -4,9 +4,8 @@
 #include <Eigen/OrderingMethods>
 #include <Eigen/SparseCore>
 
-#include <cstdarg>
+#include <algorithm>
 #include <cstdio>
-#include <mutex>
 #include <scotch.h>
 
 namespace xkl::core::solvers {
@@ -44,16 +43,25 @@ struct owned {
     }
 };
 
-// SCOTCH draws its random numbers from one generator: who else drew meanwhile would change the order.
-std::mutex scotch_turn;
-
 } // namespace
 
 std::vector<int64_t> minimum_degree(const pattern &a)
 {
+    // A row without its diagonal element would be put off as if it were full.
     const graph edges = graph_of(a);
+    std::vector<int64_t> start{0}, index;
+    index.reserve(edges.neighbour.size() + a.n);
+    for (int64_t row = 0; row < a.n; ++row) {
+        const auto first = edges.neighbour.begin() + edges.start[row];
+        const auto last = edges.neighbour.begin() + edges.start[row + 1];
+        const auto above = std::lower_bound(first, last, row);
+        index.insert(index.end(), first, above);
+        index.push_back(row);
+        index.insert(index.end(), above, last);
+        start.push_back(static_cast<int64_t>(index.size()));
+    }
     permutation result;
-    Eigen::AMDOrdering<int64_t>()(places_of(a.n, edges.start, edges.neighbour), result);
+    Eigen::AMDOrdering<int64_t>()(places_of(a.n, start, index), result);
     return indices_of(result);
 }
 
@@ -61,18 +69,28 @@ std::vector<int64_t> nested_dissection(const pattern &a)
 {
     graph edges = graph_of(a);
     std::vector<int64_t> order(a.n);
-    const std::lock_guard<std::mutex> turn(scotch_turn);
-    SCOTCH_randomReset();
-    owned<SCOTCH_Graph, SCOTCH_graphExit> of_matrix;
+    owned<SCOTCH_Context, SCOTCH_contextExit> context;
+    owned<SCOTCH_Graph, SCOTCH_graphExit> of_matrix, in_context;
     owned<SCOTCH_Strat, SCOTCH_stratExit> strategy;
+    context.made = SCOTCH_contextInit(&context.object) == 0;
     of_matrix.made = SCOTCH_graphInit(&of_matrix.object) == 0;
+    in_context.made = SCOTCH_graphInit(&in_context.object) == 0;
     strategy.made = SCOTCH_stratInit(&strategy.object) == 0;
-    const bool done = of_matrix.made && strategy.made &&
-                      SCOTCH_graphBuild(&of_matrix.object, 0, a.n, edges.start.data(), nullptr, nullptr,
-                                        nullptr, static_cast<SCOTCH_Num>(edges.neighbour.size()),
-                                        edges.neighbour.data(), nullptr) == 0 &&
-                      SCOTCH_graphOrder(&of_matrix.object, &strategy.object, nullptr, order.data(), nullptr,
-                                        nullptr, nullptr) == 0;
+    if (!context.made || !of_matrix.made || !in_context.made || !strategy.made)
+        return {};
+    // One thread and random numbers of its own: the order is the same every time.
+    SCOTCH_contextOptionSetNum(&context.object, SCOTCH_OPTIONNUMDETERMINISTIC, 1);
+    SCOTCH_contextOptionSetNum(&context.object, SCOTCH_OPTIONNUMRANDOMFIXEDSEED, 1);
+    const bool done =
+        SCOTCH_contextRandomClone(&context.object) == 0 &&
+        SCOTCH_contextThreadSpawn(&context.object, 1, nullptr) == 0 &&
+        SCOTCH_graphBuild(&of_matrix.object, 0, a.n, edges.start.data(), nullptr, nullptr, nullptr,
+                          static_cast<SCOTCH_Num>(edges.neighbour.size()), edges.neighbour.data(),
+                          nullptr) == 0 &&
+        SCOTCH_contextBindGraph(&context.object, &of_matrix.object, &in_context.object) == 0 &&
+        (SCOTCH_contextRandomReset(&context.object), true) &&
+        SCOTCH_graphOrder(&in_context.object, &strategy.object, nullptr, order.data(), nullptr, nullptr,
+                          nullptr) == 0;
     return done ? order : std::vector<int64_t>{};
 }
 

@@ -24,10 +24,12 @@ class refinement {
   public:
     using real = decltype(std::abs(T{}));
 
-    // operation: 0 A, 1 A^H, 2 A^T; precise: residuals in the next wider type.
+    // operation: 0 A, 1 A^H, 2 A^T; precise: residuals in the next wider type; tolerance: rounding units that are good
+    // enough.
     refinement(const pattern &a, const matrix_kind &kind, const std::vector<T> &values, int64_t operation,
-               bool precise)
-        : a_(a), kind_(kind), values_(values), operation_(operation), precise_(precise), residual_(a.n)
+               bool precise, double tolerance)
+        : a_(a), kind_(kind), values_(values), operation_(operation), precise_(precise),
+          tolerance_(tolerance), residual_(a.n)
     {
         for (const T &value : values)
             largest_ = std::max<double>(largest_, std::abs(value));
@@ -73,7 +75,7 @@ class refinement {
             of_x = std::max<double>(of_x, std::abs(x[i]));
             of_b = std::max<double>(of_b, std::abs(b[i]));
         }
-        const double rounding = std::numeric_limits<real>::epsilon() / (precise_ ? 8 : 1);
+        const double rounding = tolerance_ * std::numeric_limits<real>::epsilon();
         return of_residual <= rounding * (largest_ * of_x + of_b) ? 0 : of_residual;
     }
 
@@ -111,6 +113,7 @@ class refinement {
     const std::vector<T> &values_;
     int64_t operation_;
     bool precise_;
+    double tolerance_;
     double largest_ = 0;
     std::vector<T> residual_;
 };

@@ -305,9 +305,9 @@ void typed_system<T>::report_facts(int64_t *iparm, int64_t error) const
     iparm[analysis_kept] = input * 8 / 1024 + 1;
     iparm[factor_memory] = kilobytes(facts.elements_of_memory + static_cast<int64_t>(values_.size()));
     iparm[out_of_core_memory] = iparm[factor_memory];
-    if (iparm[nonzeros] < 0)
+    if (iparm[nonzeros] < 0 || controls()[nonzeros] < 0)
         iparm[nonzeros] = facts.nonzeros;
-    if (iparm[mflops] < 0)
+    if (iparm[mflops] < 0 || controls()[mflops] < 0)
         iparm[mflops] = static_cast<int64_t>(facts.operations / 1e6) + 1;
     iparm[changed_pivots] = facts.changed_pivots;
     iparm[positive_eigenvalues] = facts.positive;
@@ -398,10 +398,12 @@ int64_t typed_system<T>::solve(const request &call, solve_part part)
     if (call.nrhs > 0)
         if (const int64_t error = solve_columns(call, part, solution.data(), call.nrhs))
             return error;
+    // Unasked, what exchanges of pivots cost in accuracy is made good where it shows.
     const int64_t wanted = call.iparm[steps_wanted];
-    const int64_t limit = wanted != 0 ? std::abs(wanted) : facts.changed_pivots > 0 ? 2 : 0;
+    const int64_t limit = wanted != 0 ? std::abs(wanted) : form.kind.positive_definite ? 0 : 2;
     if (part == solve_part::all && schur_.empty() && limit > 0) {
-        refinement<T> improve(pattern_, form.kind, values_, call.iparm[operation], wanted < 0);
+        const double tolerance = wanted < 0 ? 0.125 : wanted > 0 || facts.changed_pivots > 0 ? 1 : 16;
+        refinement<T> improve(pattern_, form.kind, values_, call.iparm[operation], wanted < 0, tolerance);
         for (int64_t column = 0; column < call.nrhs; ++column) {
             int64_t done = 0;
             const int64_t error =

@@ -81,7 +81,7 @@ void check_kind(int64_t mtype, int64_t m)
 {
     SCOPED_TRACE(testing::Message() << "mtype " << mtype << ", " << m << " points a side, " << sizeof(T)
                                     << " bytes an element");
-    constexpr double allowed = 20; // rounding units
+    constexpr double allowed = 200; // rounding units, without refinement
     for (const int64_t base : {0, 1}) {
         problem<T> p = problem_of<T>(mtype, m);
         solver<T> s(p.a, mtype, base);
@@ -149,7 +149,7 @@ TEST(kinds, saddle_point)
             s.iparm[10] = s.iparm[12] = matching;
             s.b = random_vector<double>(a.n);
             ASSERT_EQ(s.run(13), 0);
-            EXPECT_LT(backward_error(a, s.x, s.b), 20);
+            EXPECT_LT(backward_error(a, s.x, s.b), 200);
             EXPECT_EQ(s.iparm[22], constraints);
             EXPECT_EQ(s.iparm[21], a.n - constraints);
         }
@@ -166,7 +166,7 @@ TEST(kinds, three_dimensions_and_every_order_of_elimination)
         s.iparm[1] = ordering;
         s.iparm[17] = -1;
         ASSERT_EQ(s.run(13), 0);
-        EXPECT_LT(backward_error(a, s.x, s.b), 20);
+        EXPECT_LT(backward_error(a, s.x, s.b), 200);
         elements[ordering] = s.iparm[17];
     }
     // Without an order the band would fill up: n * m^2 elements.
@@ -185,7 +185,7 @@ TEST(kinds, three_dimensions_and_every_order_of_elimination)
     s.iparm[17] = -1;
     ASSERT_EQ(s.run(13), 0);
     EXPECT_EQ(s.iparm[17], elements[3]);
-    EXPECT_LT(backward_error(a, s.x, s.b), 20);
+    EXPECT_LT(backward_error(a, s.x, s.b), 200);
     s.perm[5] = s.perm[6];
     EXPECT_EQ(s.run(11), XKL_PARDISO_INPUT_ERROR);
 }
@@ -195,7 +195,8 @@ TEST(kinds, matrices_from_the_field)
     struct {
         const char *name;
         int64_t mtype;
-    } const cases[] = {{"lund_a.mtx", 2}, {"lund_a.mtx", -2}, {"lund_a.mtx", 1}, {"pores_1.mtx", 11}, {"utm300.mtx", 11}};
+    } const cases[] = {
+        {"lund_a.mtx", 2}, {"lund_a.mtx", -2}, {"lund_a.mtx", 1}, {"pores_1.mtx", 11}, {"utm300.mtx", 11}};
     for (const auto &[name, mtype] : cases) {
         SCOPED_TRACE(name);
         const matrix<double> a = from_file(name);
@@ -207,8 +208,9 @@ TEST(kinds, matrices_from_the_field)
         ASSERT_EQ(s.run(13), 0);
         EXPECT_LT(backward_error(a, s.x, s.b), 5);
         EXPECT_LT(distance(s.x, wanted), 1e-6);
-        if (mtype == -2)
+        if (mtype == -2) {
             EXPECT_EQ(s.iparm[22], 0);
+        }
     }
 }
 
@@ -257,7 +259,7 @@ TEST(kinds, threads_with_handles_of_their_own)
             solver<double> s(a, mtype);
             s.b = random_vector<double>(a.n, seed + round);
             ASSERT_EQ(s.run(13), 0);
-            EXPECT_LT(backward_error(a, s.x, s.b), 20);
+            EXPECT_LT(backward_error(a, s.x, s.b), 200);
         }
     };
     std::thread other([&] { work(positive, 2, 10); });

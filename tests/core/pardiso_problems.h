@@ -121,7 +121,8 @@ matrix<T> magnetic(int64_t m, double shift)
     matrix<T> a = laplace<T>(m, 2, T(static_cast<real>(shift)));
     for (auto &[place, value] : a.elements)
         if (place.second > place.first)
-            value = std::polar<real>(1, static_cast<real>(0.3 * static_cast<double>(place.first % m) + 2.5));
+            value =
+                std::polar<real>(1, static_cast<real>(0.3 * static_cast<double>(place.first % m) + 2.5));
     for (auto &[place, value] : a.elements)
         if (place.second < place.first)
             value = std::conj(a(place.second, place.first));
@@ -217,8 +218,8 @@ class solver {
         const int64_t nrhs = n > 0 && !b.empty() ? static_cast<int64_t>(b.size()) / n : 1;
         int64_t error = 77;
         x.resize(std::max(b.size(), x.size()));
-        pardiso(pt, &maxfct, &mnum, &mtype, &phase, &n, in.a.data(), in.ia.data(), in.ja.data(), perm.data(),
-                &nrhs, iparm, &msglvl, b.data(), x.data(), &error);
+        pardiso(pt, &maxfct, &mnum, &mtype, &phase, &n, in.a.data(), in.ia.data(), in.ja.data(),
+                perm.data(), &nrhs, iparm, &msglvl, b.data(), x.data(), &error);
         return error;
     }
 

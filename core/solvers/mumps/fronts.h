@@ -36,10 +36,7 @@ class fronts final : public engine<T> {
     {
         return solve_step(transposed, x, nrhs, 0, nullptr);
     }
-    const T *schur() override
-    {
-        return schur_.empty() ? nullptr : reinterpret_cast<const T *>(schur_.data());
-    }
+    const T *schur() override { return complement_.empty() ? nullptr : complement_.data(); }
     int64_t condense(T *x, T *reduced, int64_t nrhs) override
     {
         return solve_step(false, x, nrhs, 1, reduced);
@@ -59,6 +56,7 @@ class fronts final : public engine<T> {
     void set_schur(const std::vector<int64_t> &order);
     void set_values(const pattern &a, const T *values);
     void set_order(bool with_values);
+    void take_complement();
     int64_t judge();
     void halve_determinant();
     int64_t solve_step(bool transposed, T *x, int64_t nrhs, int step, T *reduced);
@@ -68,6 +66,7 @@ class fronts final : public engine<T> {
     bool begun_ = false;
     std::vector<MUMPS_INT> row_, column_, position_, schur_list_;
     std::vector<R> values_, schur_; // values_ of a Hermitian matrix only
+    std::vector<T> complement_;     // schur_ in the elements' own type
 };
 
 // The answer as an XKL_PARDISO_ value.
@@ -231,11 +230,28 @@ int64_t fronts<T, R>::factor(const pattern &a, const T *values)
     }
     if (error != XKL_PARDISO_SUCCESS)
         return error;
-    if (options_.kind.form != symmetry::none) // the half below the diagonal is there
-        for (size_t i = 0, size = schur_list_.size(); i < size; ++i)
+    take_complement();
+    return judge();
+}
+
+// Of a symmetric complement only the half below the diagonal is there; a Hermitian one comes in blocks.
+template <class T, class R>
+void fronts<T, R>::take_complement()
+{
+    const size_t size = schur_list_.size(), unknowns = options_.schur.size();
+    if (options_.kind.form != symmetry::none)
+        for (size_t i = 0; i < size; ++i)
             for (size_t j = 0; j < i; ++j)
                 schur_[j * size + i] = schur_[i * size + j];
-    return judge();
+    complement_.resize(unknowns * unknowns);
+    for (size_t i = 0; i < unknowns; ++i)
+        for (size_t j = 0; j < unknowns; ++j) {
+            const R *first = &schur_[i * parts * size + j * parts];
+            if constexpr (doubled)
+                complement_[i * unknowns + j] = {first[0], -first[1]};
+            else
+                complement_[i * unknowns + j] = *first;
+        }
 }
 
 template <class T, class R>
