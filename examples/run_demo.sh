@@ -17,7 +17,7 @@ heading() {
     [ $# = 0 ] || printf '%s\n' "$@" ''
 }
 
-for program in pca least_squares sunspots; do
+for program in pca least_squares sunspots sparse; do
     [ -x "$programs/$program" ] || {
         echo "run_demo.sh: $programs/$program is not built: configure with -DXKL_BUILD_EXAMPLES=ON" >&2
         exit 1
@@ -34,4 +34,8 @@ heading "3. Fortran with complex functions" "examples/sunspots.f90, with the com
 "$programs/sunspots" "$data/sunspots.csv"
 heading "4. Python" "examples/correlation.py, nothing but ctypes: which measurements go together?"
 python3 "$here/correlation.py" "$build/lib/libxkl_quorl_ilp64.so" "$data/iris.csv"
+heading "5. Sparse systems" "examples/sparse.c: plasma physics (UTM300) and a vibrating structure (LUND A), solved directly." \
+    "A solution of ones is known."
+"$programs/sparse" "$data/utm300.mtx"
+"$programs/sparse" "$data/lund_a.mtx"
 heading "All computed numbers agree with the published ones."

@@ -133,6 +133,8 @@ matrix<T> magnetic(int64_t m, double shift)
 inline matrix<double> from_file(const std::string &name)
 {
     std::ifstream file(std::string(XKL_TEST_DATA) + "/" + name);
+    if (!file)
+        file.open(std::string(XKL_EXAMPLE_DATA) + "/" + name);
     EXPECT_TRUE(file) << name;
     std::string line, banner;
     std::getline(file, banner);
