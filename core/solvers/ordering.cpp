@@ -78,6 +78,8 @@ std::vector<int64_t> nested_dissection(const pattern &a)
     strategy.made = SCOTCH_stratInit(&strategy.object) == 0;
     if (!context.made || !of_matrix.made || !in_context.made || !strategy.made)
         return {};
+    // Its quick strategy: hardly more elements in the factors, for half the time.
+    constexpr double imbalance = 0.2;
     // One thread and random numbers of its own: the order is the same every time.
     SCOTCH_contextOptionSetNum(&context.object, SCOTCH_OPTIONNUMDETERMINISTIC, 1);
     SCOTCH_contextOptionSetNum(&context.object, SCOTCH_OPTIONNUMRANDOMFIXEDSEED, 1);
@@ -89,6 +91,7 @@ std::vector<int64_t> nested_dissection(const pattern &a)
                           nullptr) == 0 &&
         SCOTCH_contextBindGraph(&context.object, &of_matrix.object, &in_context.object) == 0 &&
         (SCOTCH_contextRandomReset(&context.object), true) &&
+        SCOTCH_stratGraphOrderBuild(&strategy.object, SCOTCH_STRATSPEED, 0, imbalance) == 0 &&
         SCOTCH_graphOrder(&in_context.object, &strategy.object, nullptr, order.data(), nullptr, nullptr,
                           nullptr) == 0;
     return done ? order : std::vector<int64_t>{};
