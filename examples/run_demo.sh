@@ -38,7 +38,7 @@ draw() {
     echo "The picture of it: $picture"
 }
 
-for program in pca least_squares sunspots spectrum spectrum_dfti spectrum_fftw monte_carlo; do
+for program in pca least_squares sunspots spectrum spectrum_dfti spectrum_fftw monte_carlo sparse; do
     [ -x "$programs/$program" ] || {
         echo "run_demo.sh: $programs/$program is not built: configure with -DXKL_BUILD_EXAMPLES=ON" >&2
         exit 1
@@ -71,4 +71,8 @@ else
 fi
 heading "6. Random numbers" "examples/monte_carlo.c: do error bars tell the truth?"
 "$programs/monte_carlo"
+heading "7. Sparse systems" "examples/sparse.c: plasma physics (UTM300) and a vibrating structure (LUND A), solved directly." \
+    "A solution of ones is known."
+"$programs/sparse" "$data/utm300.mtx"
+"$programs/sparse" "$data/lund_a.mtx"
 heading "All computed numbers agree with the published ones."

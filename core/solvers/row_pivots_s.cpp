@@ -1,0 +1,11 @@
+#include "solvers/row_pivots.h"
+
+namespace xkl::core::solvers {
+
+template <>
+std::unique_ptr<engine<float>> make_row_engine(const engine_options &)
+{
+    return std::make_unique<row_pivots<float>>();
+}
+
+} // namespace xkl::core::solvers
