@@ -7,7 +7,6 @@
 
 #include "arguments.h"
 
-#define EIGEN_NO_DEBUG // a broken assertion would end the process
 #include <Eigen/OrderingMethods>
 #include <Eigen/SparseQR>
 
