@@ -4,7 +4,7 @@
 #include "spblas/solves.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 /// Rows of elements. Blocks are stored by columns where indices start at 1, by rows where they start at 0.
 template <class T>
@@ -45,16 +45,16 @@ matrix<blocks<T>> blocks_of(int64_t m, int64_t k, int64_t lb, const description 
     return {{val, indx, pntrb, pntre, m, lb, is.base()}, m * lb, k * lb, true};
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_bsrmv(const char *transa, const int64_t *m, const int64_t *k, const int64_t *lb, const T *alpha,
                   const char *matdescra, const T *val, const int64_t *indx, const int64_t *pntrb,
                   const int64_t *pntre, const T *x, const T *beta, T *y)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::blocks_of(*m, *k, *lb, is, val, indx, pntrb, pntre);
-    return sparse::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
+    const spblas::description is(matdescra);
+    const auto a = spblas::blocks_of(*m, *k, *lb, is, val, indx, pntrb, pntre);
+    return spblas::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
 }
 
 template <class T>
@@ -63,10 +63,10 @@ int64_t xkl_bsrmm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const int64_t *indx, const int64_t *pntrb, const int64_t *pntre, const T *b,
                   const int64_t *ldb, const T *beta, T *c, const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::blocks_of(*m, *k, *lb, is, val, indx, pntrb, pntre);
-    return sparse::multiply(a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is), *beta,
-                            sparse::operand(c, *n, *ldc, is));
+    const spblas::description is(matdescra);
+    const auto a = spblas::blocks_of(*m, *k, *lb, is, val, indx, pntrb, pntre);
+    return spblas::multiply(a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is), *beta,
+                            spblas::operand(c, *n, *ldc, is));
 }
 
 template <class T>
@@ -74,9 +74,9 @@ int64_t xkl_bsrsv(const char *transa, const int64_t *m, const int64_t *lb, const
                   const char *matdescra, const T *val, const int64_t *indx, const int64_t *pntrb,
                   const int64_t *pntre, const T *x, T *y)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::blocks_of(*m, *m, *lb, is, val, indx, pntrb, pntre);
-    return sparse::solve(a, *transa, is, *alpha, {x}, {y});
+    const spblas::description is(matdescra);
+    const auto a = spblas::blocks_of(*m, *m, *lb, is, val, indx, pntrb, pntre);
+    return spblas::solve(a, *transa, is, *alpha, {x}, {y});
 }
 
 template <class T>
@@ -84,55 +84,55 @@ int64_t xkl_bsrsm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const char *matdescra, const T *val, const int64_t *indx, const int64_t *pntrb,
                   const int64_t *pntre, const T *b, const int64_t *ldb, T *c, const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::blocks_of(*m, *m, *lb, is, val, indx, pntrb, pntre);
-    return sparse::solve(a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is),
-                         sparse::operand(c, *n, *ldc, is));
+    const spblas::description is(matdescra);
+    const auto a = spblas::blocks_of(*m, *m, *lb, is, val, indx, pntrb, pntre);
+    return spblas::solve(a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is),
+                         spblas::operand(c, *n, *ldc, is));
 }
 
 template <class T>
 int64_t xkl_bsrgemv(const char *transa, const int64_t *m, const int64_t *lb, const T *a, const int64_t *ia,
                     const int64_t *ja, const T *x, T *y)
 {
-    const sparse::description is = sparse::general(sparse::from_one);
-    const auto matrix = sparse::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
-    return sparse::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::general(spblas::from_one);
+    const auto matrix = spblas::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
+    return spblas::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
 int64_t xkl_bsrsymv(const char *uplo, const int64_t *m, const int64_t *lb, const T *a, const int64_t *ia,
                     const int64_t *ja, const T *x, T *y)
 {
-    const sparse::description is = sparse::symmetric(*uplo, sparse::from_one);
-    const auto matrix = sparse::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
-    return sparse::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::symmetric(*uplo, spblas::from_one);
+    const auto matrix = spblas::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
+    return spblas::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
 int64_t xkl_bsrtrsv(const char *uplo, const char *transa, const char *diag, const int64_t *m,
                     const int64_t *lb, const T *a, const int64_t *ia, const int64_t *ja, const T *x, T *y)
 {
-    const sparse::description is = sparse::triangular(*uplo, *diag, sparse::from_one);
-    const auto matrix = sparse::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
-    return sparse::solve(matrix, *transa, is, T(1), {x}, {y});
+    const spblas::description is = spblas::triangular(*uplo, *diag, spblas::from_one);
+    const auto matrix = spblas::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
+    return spblas::solve(matrix, *transa, is, T(1), {x}, {y});
 }
 
 template <class T>
 int64_t xkl_cspblas_bsrgemv(const char *transa, const int64_t *m, const int64_t *lb, const T *a,
                             const int64_t *ia, const int64_t *ja, const T *x, T *y)
 {
-    const sparse::description is = sparse::general(sparse::from_zero);
-    const auto matrix = sparse::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
-    return sparse::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::general(spblas::from_zero);
+    const auto matrix = spblas::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
+    return spblas::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
 int64_t xkl_cspblas_bsrsymv(const char *uplo, const int64_t *m, const int64_t *lb, const T *a,
                             const int64_t *ia, const int64_t *ja, const T *x, T *y)
 {
-    const sparse::description is = sparse::symmetric(*uplo, sparse::from_zero);
-    const auto matrix = sparse::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
-    return sparse::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::symmetric(*uplo, spblas::from_zero);
+    const auto matrix = spblas::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
+    return spblas::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
@@ -140,9 +140,9 @@ int64_t xkl_cspblas_bsrtrsv(const char *uplo, const char *transa, const char *di
                             const int64_t *lb, const T *a, const int64_t *ia, const int64_t *ja, const T *x,
                             T *y)
 {
-    const sparse::description is = sparse::triangular(*uplo, *diag, sparse::from_zero);
-    const auto matrix = sparse::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
-    return sparse::solve(matrix, *transa, is, T(1), {x}, {y});
+    const spblas::description is = spblas::triangular(*uplo, *diag, spblas::from_zero);
+    const auto matrix = spblas::blocks_of(*m, *m, *lb, is, a, ja, ia, ia + 1);
+    return spblas::solve(matrix, *transa, is, T(1), {x}, {y});
 }
 
 } // namespace xkl::core

@@ -3,7 +3,7 @@
 
 #include "spblas/sorting.h"
 
-namespace xkl::core::sparse {
+namespace xkl::core::spblas {
 
 /// The choices of a conversion, numbered from 1
 struct job_list {
@@ -33,4 +33,4 @@ inline void add_up(int64_t lines, int64_t first, int64_t *starts)
         starts[i + 1] += starts[i];
 }
 
-} // namespace xkl::core::sparse
+} // namespace xkl::core::spblas

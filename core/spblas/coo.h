@@ -6,7 +6,7 @@
 #include "spblas/sorting.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 /// Single elements in any order
 template <class T>
@@ -59,16 +59,16 @@ int64_t solve_sorted(const char *routine, const matrix<elements<T>> &a, char tra
     return solve(rows, trans, of, alpha, x, y);
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_coomv(const char *transa, const int64_t *m, const int64_t *k, const T *alpha,
                   const char *matdescra, const T *val, const int64_t *rowind, const int64_t *colind,
                   const int64_t *nnz, const T *x, const T *beta, T *y)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::elements_of(*m, *k, is, val, rowind, colind, *nnz);
-    return sparse::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
+    const spblas::description is(matdescra);
+    const auto a = spblas::elements_of(*m, *k, is, val, rowind, colind, *nnz);
+    return spblas::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
 }
 
 template <class T>
@@ -77,19 +77,19 @@ int64_t xkl_coomm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const int64_t *nnz, const T *b, const int64_t *ldb, const T *beta, T *c,
                   const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::elements_of(*m, *k, is, val, rowind, colind, *nnz);
-    return sparse::multiply(a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is), *beta,
-                            sparse::operand(c, *n, *ldc, is));
+    const spblas::description is(matdescra);
+    const auto a = spblas::elements_of(*m, *k, is, val, rowind, colind, *nnz);
+    return spblas::multiply(a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is), *beta,
+                            spblas::operand(c, *n, *ldc, is));
 }
 
 template <class T>
 int64_t xkl_coosv(const char *transa, const int64_t *m, const T *alpha, const char *matdescra, const T *val,
                   const int64_t *rowind, const int64_t *colind, const int64_t *nnz, const T *x, T *y)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::elements_of(*m, *m, is, val, rowind, colind, *nnz);
-    return sparse::solve_sorted("XKL_?COOSV", a, *transa, is, *alpha, {x}, {y});
+    const spblas::description is(matdescra);
+    const auto a = spblas::elements_of(*m, *m, is, val, rowind, colind, *nnz);
+    return spblas::solve_sorted("XKL_?COOSV", a, *transa, is, *alpha, {x}, {y});
 }
 
 template <class T>
@@ -97,55 +97,55 @@ int64_t xkl_coosm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const char *matdescra, const T *val, const int64_t *rowind, const int64_t *colind,
                   const int64_t *nnz, const T *b, const int64_t *ldb, T *c, const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::elements_of(*m, *m, is, val, rowind, colind, *nnz);
-    return sparse::solve_sorted("XKL_?COOSM", a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is),
-                                sparse::operand(c, *n, *ldc, is));
+    const spblas::description is(matdescra);
+    const auto a = spblas::elements_of(*m, *m, is, val, rowind, colind, *nnz);
+    return spblas::solve_sorted("XKL_?COOSM", a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is),
+                                spblas::operand(c, *n, *ldc, is));
 }
 
 template <class T>
 int64_t xkl_coogemv(const char *transa, const int64_t *m, const T *val, const int64_t *rowind,
                     const int64_t *colind, const int64_t *nnz, const T *x, T *y)
 {
-    const sparse::description is = sparse::general(sparse::from_one);
-    const auto matrix = sparse::elements_of(*m, *m, is, val, rowind, colind, *nnz);
-    return sparse::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::general(spblas::from_one);
+    const auto matrix = spblas::elements_of(*m, *m, is, val, rowind, colind, *nnz);
+    return spblas::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
 int64_t xkl_coosymv(const char *uplo, const int64_t *m, const T *val, const int64_t *rowind,
                     const int64_t *colind, const int64_t *nnz, const T *x, T *y)
 {
-    const sparse::description is = sparse::symmetric(*uplo, sparse::from_one);
-    const auto matrix = sparse::elements_of(*m, *m, is, val, rowind, colind, *nnz);
-    return sparse::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::symmetric(*uplo, spblas::from_one);
+    const auto matrix = spblas::elements_of(*m, *m, is, val, rowind, colind, *nnz);
+    return spblas::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
 int64_t xkl_cootrsv(const char *uplo, const char *transa, const char *diag, const int64_t *m, const T *val,
                     const int64_t *rowind, const int64_t *colind, const int64_t *nnz, const T *x, T *y)
 {
-    const sparse::description is = sparse::triangular(*uplo, *diag, sparse::from_one);
-    const auto matrix = sparse::elements_of(*m, *m, is, val, rowind, colind, *nnz);
-    return sparse::solve_sorted("XKL_?COOTRSV", matrix, *transa, is, T(1), {x}, {y});
+    const spblas::description is = spblas::triangular(*uplo, *diag, spblas::from_one);
+    const auto matrix = spblas::elements_of(*m, *m, is, val, rowind, colind, *nnz);
+    return spblas::solve_sorted("XKL_?COOTRSV", matrix, *transa, is, T(1), {x}, {y});
 }
 
 template <class T>
 int64_t xkl_cspblas_coogemv(const char *transa, const int64_t *m, const T *val, const int64_t *rowind,
                             const int64_t *colind, const int64_t *nnz, const T *x, T *y)
 {
-    const sparse::description is = sparse::general(sparse::from_zero);
-    const auto matrix = sparse::elements_of(*m, *m, is, val, rowind, colind, *nnz);
-    return sparse::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::general(spblas::from_zero);
+    const auto matrix = spblas::elements_of(*m, *m, is, val, rowind, colind, *nnz);
+    return spblas::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
 int64_t xkl_cspblas_coosymv(const char *uplo, const int64_t *m, const T *val, const int64_t *rowind,
                             const int64_t *colind, const int64_t *nnz, const T *x, T *y)
 {
-    const sparse::description is = sparse::symmetric(*uplo, sparse::from_zero);
-    const auto matrix = sparse::elements_of(*m, *m, is, val, rowind, colind, *nnz);
-    return sparse::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::symmetric(*uplo, spblas::from_zero);
+    const auto matrix = spblas::elements_of(*m, *m, is, val, rowind, colind, *nnz);
+    return spblas::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
@@ -153,9 +153,9 @@ int64_t xkl_cspblas_cootrsv(const char *uplo, const char *transa, const char *di
                             const T *val, const int64_t *rowind, const int64_t *colind, const int64_t *nnz,
                             const T *x, T *y)
 {
-    const sparse::description is = sparse::triangular(*uplo, *diag, sparse::from_zero);
-    const auto matrix = sparse::elements_of(*m, *m, is, val, rowind, colind, *nnz);
-    return sparse::solve_sorted("XKL_CSPBLAS_?COOTRSV", matrix, *transa, is, T(1), {x}, {y});
+    const spblas::description is = spblas::triangular(*uplo, *diag, spblas::from_zero);
+    const auto matrix = spblas::elements_of(*m, *m, is, val, rowind, colind, *nnz);
+    return spblas::solve_sorted("XKL_CSPBLAS_?COOTRSV", matrix, *transa, is, T(1), {x}, {y});
 }
 
 } // namespace xkl::core

@@ -4,7 +4,7 @@
 #include "spblas/solves.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 template <class T>
 matrix<compressed<T>> columns_of(int64_t m, int64_t k, const description &is, const T *val,
@@ -13,16 +13,16 @@ matrix<compressed<T>> columns_of(int64_t m, int64_t k, const description &is, co
     return {{val, indx, pntrb, pntre, k, is.base()}, m, k, false};
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_cscmv(const char *transa, const int64_t *m, const int64_t *k, const T *alpha,
                   const char *matdescra, const T *val, const int64_t *indx, const int64_t *pntrb,
                   const int64_t *pntre, const T *x, const T *beta, T *y)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::columns_of(*m, *k, is, val, indx, pntrb, pntre);
-    return sparse::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
+    const spblas::description is(matdescra);
+    const auto a = spblas::columns_of(*m, *k, is, val, indx, pntrb, pntre);
+    return spblas::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
 }
 
 template <class T>
@@ -31,19 +31,19 @@ int64_t xkl_cscmm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const int64_t *pntre, const T *b, const int64_t *ldb, const T *beta, T *c,
                   const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::columns_of(*m, *k, is, val, indx, pntrb, pntre);
-    return sparse::multiply(a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is), *beta,
-                            sparse::operand(c, *n, *ldc, is));
+    const spblas::description is(matdescra);
+    const auto a = spblas::columns_of(*m, *k, is, val, indx, pntrb, pntre);
+    return spblas::multiply(a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is), *beta,
+                            spblas::operand(c, *n, *ldc, is));
 }
 
 template <class T>
 int64_t xkl_cscsv(const char *transa, const int64_t *m, const T *alpha, const char *matdescra, const T *val,
                   const int64_t *indx, const int64_t *pntrb, const int64_t *pntre, const T *x, T *y)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::columns_of(*m, *m, is, val, indx, pntrb, pntre);
-    return sparse::solve(a, *transa, is, *alpha, {x}, {y});
+    const spblas::description is(matdescra);
+    const auto a = spblas::columns_of(*m, *m, is, val, indx, pntrb, pntre);
+    return spblas::solve(a, *transa, is, *alpha, {x}, {y});
 }
 
 template <class T>
@@ -51,10 +51,10 @@ int64_t xkl_cscsm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const char *matdescra, const T *val, const int64_t *indx, const int64_t *pntrb,
                   const int64_t *pntre, const T *b, const int64_t *ldb, T *c, const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::columns_of(*m, *m, is, val, indx, pntrb, pntre);
-    return sparse::solve(a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is),
-                         sparse::operand(c, *n, *ldc, is));
+    const spblas::description is(matdescra);
+    const auto a = spblas::columns_of(*m, *m, is, val, indx, pntrb, pntre);
+    return spblas::solve(a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is),
+                         spblas::operand(c, *n, *ldc, is));
 }
 
 } // namespace xkl::core

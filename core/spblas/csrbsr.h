@@ -6,7 +6,7 @@
 #include "spblas/conversion.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 inline constexpr int64_t no_block_order = 1, blocks_overlap = 2, no_memory_for_blocks = -100;
 /// Choice 6: count blocks only, or leave out the values
@@ -116,22 +116,22 @@ int64_t blocks_to_rows(const job_list &job, int64_t block_rows, const block_shap
     return converted;
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_csrbsr(const int64_t *job, const int64_t *m, const int64_t *mblk, const int64_t *ldabsr,
                    T *acsr, int64_t *ja, int64_t *ia, T *absr, int64_t *jab, int64_t *iab, int64_t *info)
 {
-    const sparse::job_list is{job};
-    const sparse::block_shape shape = {*mblk, *ldabsr, is(3)};
+    const spblas::job_list is{job};
+    const spblas::block_shape shape = {*mblk, *ldabsr, is(3)};
     if (*mblk < 1)
-        *info = sparse::no_block_order;
+        *info = spblas::no_block_order;
     else if (*ldabsr < *mblk * *mblk)
-        *info = sparse::blocks_overlap;
+        *info = spblas::blocks_overlap;
     else if (is.backwards())
-        *info = sparse::blocks_to_rows(is, *m, shape, absr, jab, iab, acsr, ja, ia);
+        *info = spblas::blocks_to_rows(is, *m, shape, absr, jab, iab, acsr, ja, ia);
     else
-        *info = sparse::rows_to_blocks(is, sparse::rows_with_starts<T>(*m, is(2), acsr, ja, ia), shape,
+        *info = spblas::rows_to_blocks(is, spblas::rows_with_starts<T>(*m, is(2), acsr, ja, ia), shape,
                                        absr, jab, iab);
     return 0;
 }

@@ -4,7 +4,7 @@
 #include "spblas/conversion.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 /// The parts of the result that are wanted: rows, then columns too, then values too
 enum wanted_elements : int64_t { only_rows = 1, places = 2, all_elements = 3 };
@@ -52,16 +52,16 @@ int64_t elements_to_rows(const job_list &job, int64_t n, T *acsr, int64_t *ja, i
     return converted;
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_csrcoo(const int64_t *job, const int64_t *n, T *acsr, int64_t *ja, int64_t *ia, int64_t *nnz,
                    T *acoo, int64_t *rowind, int64_t *colind, int64_t *info)
 {
-    const sparse::job_list choices{job};
+    const spblas::job_list choices{job};
     *info = choices.backwards()
-                ? sparse::elements_to_rows(choices, *n, acsr, ja, ia, *nnz, acoo, rowind, colind)
-                : sparse::rows_to_elements(choices, *n, acsr, ja, ia, nnz, acoo, rowind, colind);
+                ? spblas::elements_to_rows(choices, *n, acsr, ja, ia, *nnz, acoo, rowind, colind)
+                : spblas::rows_to_elements(choices, *n, acsr, ja, ia, nnz, acoo, rowind, colind);
     return 0;
 }
 

@@ -4,7 +4,7 @@
 #include "spblas/conversion.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 /// Lines of one direction to those of the other
 template <class T>
@@ -21,19 +21,19 @@ void turn_lines(int64_t n, int64_t from_base, const T *a, const int64_t *ja, con
         ib[i] += to_base;
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_csrcsc(const int64_t *job, const int64_t *n, T *acsr, int64_t *ja, int64_t *ia, T *acsc,
                    int64_t *ja1, int64_t *ia1, int64_t *info)
 {
-    const sparse::job_list is{job};
+    const spblas::job_list is{job};
     const bool with_values = is(6) != 0;
     if (is.backwards())
-        sparse::turn_lines(*n, is(3), acsc, ja1, ia1, is(2), with_values, acsr, ja, ia);
+        spblas::turn_lines(*n, is(3), acsc, ja1, ia1, is(2), with_values, acsr, ja, ia);
     else
-        sparse::turn_lines(*n, is(2), acsr, ja, ia, is(3), with_values, acsc, ja1, ia1);
-    *info = sparse::converted;
+        spblas::turn_lines(*n, is(2), acsr, ja, ia, is(3), with_values, acsc, ja1, ia1);
+    *info = spblas::converted;
     return 0;
 }
 

@@ -7,7 +7,7 @@
 #include <numeric>
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 inline constexpr int64_t no_memory_for_diagonals = -100;
 
@@ -104,18 +104,18 @@ int64_t diagonals_to_rows(const job_list &job, int64_t n, const diagonal_arrays<
     return converted;
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_csrdia(const int64_t *job, const int64_t *n, T *acsr, int64_t *ja, int64_t *ia, T *adia,
                    int64_t *ndiag, int64_t *distance, int64_t *idiag, T *acsr_rem, int64_t *ja_rem,
                    int64_t *ia_rem, int64_t *info)
 {
-    const sparse::job_list is{job};
-    const sparse::diagonal_arrays<T> diagonals = {adia, *ndiag, distance, idiag};
+    const spblas::job_list is{job};
+    const spblas::diagonal_arrays<T> diagonals = {adia, *ndiag, distance, idiag};
     *info = is.backwards()
-                ? sparse::diagonals_to_rows(is, *n, diagonals, acsr, ja, ia)
-                : sparse::rows_to_diagonals(is, sparse::rows_with_starts<T>(*n, is(2), acsr, ja, ia),
+                ? spblas::diagonals_to_rows(is, *n, diagonals, acsr, ja, ia)
+                : spblas::rows_to_diagonals(is, spblas::rows_with_starts<T>(*n, is(2), acsr, ja, ia),
                                             diagonals, acsr_rem, ja_rem, ia_rem);
     return 0;
 }

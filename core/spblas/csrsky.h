@@ -4,7 +4,7 @@
 #include "spblas/conversion.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 /// f(line, place on it, element) for the elements of one triangle: rows of the lower, columns of the upper
 template <class T, class F>
@@ -73,20 +73,20 @@ int64_t skyline_to_rows(const job_list &job, int64_t n, bool lower, const T *ask
     return fits ? converted : no_room;
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_csrsky(const int64_t *job, const int64_t *n, T *acsr, int64_t *ja, int64_t *ia, T *asky,
                    int64_t *pointers, int64_t *info)
 {
-    const sparse::job_list is{job};
+    const spblas::job_list is{job};
     const bool lower = is(4) == 1;
     if (is(4) != 0 && is(4) != 1)
-        *info = sparse::bad_choice(4);
+        *info = spblas::bad_choice(4);
     else if (is.backwards())
-        *info = sparse::skyline_to_rows(is, *n, lower, asky, pointers, acsr, ja, ia);
+        *info = spblas::skyline_to_rows(is, *n, lower, asky, pointers, acsr, ja, ia);
     else
-        *info = sparse::rows_to_skyline(is, sparse::rows_with_starts<T>(*n, is(2), acsr, ja, ia), lower,
+        *info = spblas::rows_to_skyline(is, spblas::rows_with_starts<T>(*n, is(2), acsr, ja, ia), lower,
                                         asky, pointers);
     return 0;
 }

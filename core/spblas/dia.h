@@ -4,7 +4,7 @@
 #include "spblas/solves.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 /// Rows, each with an element of every diagonal that crosses it; row i of the matrix is row i of the array.
 template <class T>
@@ -38,16 +38,16 @@ matrix<diagonals<T>> diagonals_of(int64_t m, int64_t k, const description &, con
     return {{val, lval, idiag, ndiag, m, k}, m, k, true};
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_diamv(const char *transa, const int64_t *m, const int64_t *k, const T *alpha,
                   const char *matdescra, const T *val, const int64_t *lval, const int64_t *idiag,
                   const int64_t *ndiag, const T *x, const T *beta, T *y)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::diagonals_of(*m, *k, is, val, *lval, idiag, *ndiag);
-    return sparse::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
+    const spblas::description is(matdescra);
+    const auto a = spblas::diagonals_of(*m, *k, is, val, *lval, idiag, *ndiag);
+    return spblas::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
 }
 
 template <class T>
@@ -56,19 +56,19 @@ int64_t xkl_diamm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const int64_t *ndiag, const T *b, const int64_t *ldb, const T *beta, T *c,
                   const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::diagonals_of(*m, *k, is, val, *lval, idiag, *ndiag);
-    return sparse::multiply(a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is), *beta,
-                            sparse::operand(c, *n, *ldc, is));
+    const spblas::description is(matdescra);
+    const auto a = spblas::diagonals_of(*m, *k, is, val, *lval, idiag, *ndiag);
+    return spblas::multiply(a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is), *beta,
+                            spblas::operand(c, *n, *ldc, is));
 }
 
 template <class T>
 int64_t xkl_diasv(const char *transa, const int64_t *m, const T *alpha, const char *matdescra, const T *val,
                   const int64_t *lval, const int64_t *idiag, const int64_t *ndiag, const T *x, T *y)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
-    return sparse::solve(a, *transa, is, *alpha, {x}, {y});
+    const spblas::description is(matdescra);
+    const auto a = spblas::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
+    return spblas::solve(a, *transa, is, *alpha, {x}, {y});
 }
 
 template <class T>
@@ -76,37 +76,37 @@ int64_t xkl_diasm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const char *matdescra, const T *val, const int64_t *lval, const int64_t *idiag,
                   const int64_t *ndiag, const T *b, const int64_t *ldb, T *c, const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
-    return sparse::solve(a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is),
-                         sparse::operand(c, *n, *ldc, is));
+    const spblas::description is(matdescra);
+    const auto a = spblas::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
+    return spblas::solve(a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is),
+                         spblas::operand(c, *n, *ldc, is));
 }
 
 template <class T>
 int64_t xkl_diagemv(const char *transa, const int64_t *m, const T *val, const int64_t *lval,
                     const int64_t *idiag, const int64_t *ndiag, const T *x, T *y)
 {
-    const sparse::description is = sparse::general(sparse::from_one);
-    const auto matrix = sparse::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
-    return sparse::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::general(spblas::from_one);
+    const auto matrix = spblas::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
+    return spblas::multiply(matrix, *transa, is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
 int64_t xkl_diasymv(const char *uplo, const int64_t *m, const T *val, const int64_t *lval,
                     const int64_t *idiag, const int64_t *ndiag, const T *x, T *y)
 {
-    const sparse::description is = sparse::symmetric(*uplo, sparse::from_one);
-    const auto matrix = sparse::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
-    return sparse::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
+    const spblas::description is = spblas::symmetric(*uplo, spblas::from_one);
+    const auto matrix = spblas::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
+    return spblas::multiply(matrix, 'N', is, T(1), {x}, T(0), {y});
 }
 
 template <class T>
 int64_t xkl_diatrsv(const char *uplo, const char *transa, const char *diag, const int64_t *m, const T *val,
                     const int64_t *lval, const int64_t *idiag, const int64_t *ndiag, const T *x, T *y)
 {
-    const sparse::description is = sparse::triangular(*uplo, *diag, sparse::from_one);
-    const auto matrix = sparse::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
-    return sparse::solve(matrix, *transa, is, T(1), {x}, {y});
+    const spblas::description is = spblas::triangular(*uplo, *diag, spblas::from_one);
+    const auto matrix = spblas::diagonals_of(*m, *m, is, val, *lval, idiag, *ndiag);
+    return spblas::solve(matrix, *transa, is, T(1), {x}, {y});
 }
 
 } // namespace xkl::core

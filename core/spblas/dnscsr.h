@@ -4,7 +4,7 @@
 #include "spblas/conversion.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 /// The places of a dense matrix that take part. It is stored by columns if its indices start at 1, else by
 /// rows.
@@ -58,20 +58,20 @@ int64_t rows_to_dense(const dense_part &is, const compressed<T> &a, T *adns)
     return converted;
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_dnscsr(const int64_t *job, const int64_t *m, const int64_t *n, T *adns, const int64_t *lda,
                    T *acsr, int64_t *ja, int64_t *ia, int64_t *info)
 {
-    const sparse::job_list is{job};
-    const sparse::dense_part part = {is(4), *m, *n, *lda, is(2) == 1};
-    if (is(4) < sparse::dense_part::lower || is(4) > sparse::dense_part::whole)
-        *info = sparse::bad_choice(4);
+    const spblas::job_list is{job};
+    const spblas::dense_part part = {is(4), *m, *n, *lda, is(2) == 1};
+    if (is(4) < spblas::dense_part::lower || is(4) > spblas::dense_part::whole)
+        *info = spblas::bad_choice(4);
     else if (is.backwards())
-        *info = sparse::rows_to_dense(part, sparse::rows_with_starts<T>(*m, is(3), acsr, ja, ia), adns);
+        *info = spblas::rows_to_dense(part, spblas::rows_with_starts<T>(*m, is(3), acsr, ja, ia), adns);
     else
-        *info = sparse::dense_to_rows(is, part, adns, acsr, ja, ia);
+        *info = spblas::dense_to_rows(is, part, adns, acsr, ja, ia);
     return 0;
 }
 

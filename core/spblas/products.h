@@ -3,13 +3,13 @@
 // An element has two effects at most. Seen from its line l, with its place j on it: it adds to y(l) what it
 // makes of x(j) (it gathers), or to y(j) what it makes of x(l) (it scatters). In a row an element of a
 // general matrix gathers, in a column it scatters; one of a symmetric matrix stands for its mirror image
-// too, and does both. Lines that only gather are shared among threads as they are; for others each thread adds to a
-// vector of its own.
+// too, and does both. Lines that only gather are shared among threads as they are; for others each thread
+// adds to a vector of its own.
 #pragma once
 
 #include "spblas/storage.h"
 
-namespace xkl::core::sparse {
+namespace xkl::core::spblas {
 
 /// What the elements of op(A) do, seen from their lines
 template <class T>
@@ -231,4 +231,4 @@ int64_t multiply(matrix<Storage> a, char trans, const description &is, T alpha, 
     return 0;
 }
 
-} // namespace xkl::core::sparse
+} // namespace xkl::core::spblas

@@ -6,7 +6,7 @@
 #include "blas/report.h"
 #include "spblas/sorting.h"
 
-namespace xkl::core::sparse {
+namespace xkl::core::spblas {
 
 /// What info may say: that memory was short, or else the row from which on there is no room.
 inline constexpr int64_t done = 0, out_of_memory = -1;
@@ -145,4 +145,4 @@ class operated {
     compressed<T> rows_;
 };
 
-} // namespace xkl::core::sparse
+} // namespace xkl::core::spblas

@@ -6,7 +6,7 @@
 #include "spblas/solves.h"
 
 namespace xkl::core {
-namespace sparse {
+namespace spblas {
 
 /// Rows of a lower or columns of an upper triangle, each from its first nonzero element to the diagonal
 template <class T>
@@ -46,17 +46,17 @@ int64_t refuse(const char *routine, int64_t position)
     return 0;
 }
 
-} // namespace sparse
+} // namespace spblas
 
 template <class T>
 int64_t xkl_skymv(const char *transa, const int64_t *m, const int64_t *k, const T *alpha,
                   const char *matdescra, const T *val, const int64_t *pntr, const T *x, const T *beta, T *y)
 {
-    const sparse::description is(matdescra);
+    const spblas::description is(matdescra);
     if (is.kind == 'G')
-        return sparse::refuse<T>("XKL_?SKYMV", 5);
-    const auto a = sparse::skyline_of(*m, *k, is, val, pntr);
-    return sparse::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
+        return spblas::refuse<T>("XKL_?SKYMV", 5);
+    const auto a = spblas::skyline_of(*m, *k, is, val, pntr);
+    return spblas::multiply(a, *transa, is, *alpha, {x}, *beta, {y});
 }
 
 template <class T>
@@ -64,21 +64,21 @@ int64_t xkl_skymm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const char *matdescra, const T *val, const int64_t *pntr, const T *b, const int64_t *ldb,
                   const T *beta, T *c, const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
+    const spblas::description is(matdescra);
     if (is.kind == 'G')
-        return sparse::refuse<T>("XKL_?SKYMM", 6);
-    const auto a = sparse::skyline_of(*m, *k, is, val, pntr);
-    return sparse::multiply(a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is), *beta,
-                            sparse::operand(c, *n, *ldc, is));
+        return spblas::refuse<T>("XKL_?SKYMM", 6);
+    const auto a = spblas::skyline_of(*m, *k, is, val, pntr);
+    return spblas::multiply(a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is), *beta,
+                            spblas::operand(c, *n, *ldc, is));
 }
 
 template <class T>
 int64_t xkl_skysv(const char *transa, const int64_t *m, const T *alpha, const char *matdescra, const T *val,
                   const int64_t *pntr, const T *x, T *y)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::skyline_of(*m, *m, is, val, pntr);
-    return sparse::solve(a, *transa, is, *alpha, {x}, {y});
+    const spblas::description is(matdescra);
+    const auto a = spblas::skyline_of(*m, *m, is, val, pntr);
+    return spblas::solve(a, *transa, is, *alpha, {x}, {y});
 }
 
 template <class T>
@@ -86,10 +86,10 @@ int64_t xkl_skysm(const char *transa, const int64_t *m, const int64_t *n, const 
                   const char *matdescra, const T *val, const int64_t *pntr, const T *b, const int64_t *ldb,
                   T *c, const int64_t *ldc)
 {
-    const sparse::description is(matdescra);
-    const auto a = sparse::skyline_of(*m, *m, is, val, pntr);
-    return sparse::solve(a, *transa, is, *alpha, sparse::operand(b, *n, *ldb, is),
-                         sparse::operand(c, *n, *ldc, is));
+    const spblas::description is(matdescra);
+    const auto a = spblas::skyline_of(*m, *m, is, val, pntr);
+    return spblas::solve(a, *transa, is, *alpha, spblas::operand(b, *n, *ldb, is),
+                         spblas::operand(c, *n, *ldc, is));
 }
 
 } // namespace xkl::core

@@ -5,7 +5,7 @@
 
 #include "spblas/products.h"
 
-namespace xkl::core::sparse {
+namespace xkl::core::spblas {
 
 /// The part of op(A) that counts, seen from its lines
 struct triangle {
@@ -113,4 +113,4 @@ int64_t solve(matrix<Storage> a, char trans, const description &of, T alpha, con
     return 0;
 }
 
-} // namespace xkl::core::sparse
+} // namespace xkl::core::spblas

@@ -4,7 +4,7 @@
 
 #include "spblas/storage.h"
 
-namespace xkl::core::sparse {
+namespace xkl::core::spblas {
 
 /// Makes the starts of the lines, from 0, and calls put(element, place) for every element in order;
 /// line(element) is its line, from 0. Elements of one line keep their order.
@@ -100,4 +100,4 @@ void sort_lines(int64_t lines, const int64_t *starts, int64_t *indices, T *value
     }
 }
 
-} // namespace xkl::core::sparse
+} // namespace xkl::core::spblas

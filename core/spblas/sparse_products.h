@@ -11,7 +11,7 @@ int64_t xkl_csrmultcsr(const char *trans, const int64_t *request, const int64_t 
                        int64_t *jb, int64_t *ib, T *c, int64_t *jc, int64_t *ic, const int64_t *nzmax,
                        int64_t *info)
 {
-    using namespace sparse;
+    using namespace spblas;
     const bool transposed = !is(*trans, 'N');
     const int64_t rows = transposed ? *n : *m, b_rows = transposed ? *m : *n;
     const ordering in_order(*sort);
@@ -45,7 +45,7 @@ int64_t xkl_csrmultd(const char *trans, const int64_t *m, const int64_t *n, cons
                      const int64_t *ja, const int64_t *ia, const T *b, const int64_t *jb, const int64_t *ib,
                      T *c, const int64_t *ldc)
 {
-    using namespace sparse;
+    using namespace spblas;
     const bool transposed = !is(*trans, 'N'), conjugated = is(*trans, 'C');
     const int64_t rows = transposed ? *n : *m, b_rows = transposed ? *m : *n, distance = *ldc;
     const compressed<T> left = rows_with_starts(*m, 1, a, ja, ia),

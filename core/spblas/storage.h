@@ -18,7 +18,7 @@
 #include <cstdint>
 #include <utility>
 
-namespace xkl::core::sparse {
+namespace xkl::core::spblas {
 
 inline constexpr int64_t cache_line = 64;
 
@@ -249,4 +249,4 @@ inline int64_t parts_of(double work)
     return work < loop_work_that_pays ? 1 : 8 * thread_count();
 }
 
-} // namespace xkl::core::sparse
+} // namespace xkl::core::spblas

@@ -10,7 +10,7 @@ int64_t xkl_csradd(const char *trans, const int64_t *request, const int64_t *sor
                    const int64_t *n, T *a, int64_t *ja, int64_t *ia, const T *beta, T *b, int64_t *jb,
                    int64_t *ib, T *c, int64_t *jc, int64_t *ic, const int64_t *nzmax, int64_t *info)
 {
-    using namespace sparse;
+    using namespace spblas;
     const bool transposed = !is(*trans, 'N');
     const int64_t b_rows = transposed ? *n : *m, b_columns = transposed ? *m : *n;
     const ordering in_order(*sort);
