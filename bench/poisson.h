@@ -1,5 +1,5 @@
-// The system that the benchmarks of direct solvers share: minus Laplace on m by m by m points, its upper triangle in
-// compressed rows from 0.
+// The system that the benchmarks of direct solvers share: minus Laplace on m by m by m points, its upper
+// triangle in compressed rows from 0.
 #pragma once
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-// The same by the libraries themselves: Eigen with its order of minimum degree, MUMPS with its orders of minimum fill and
-// of nested dissection, over the core's kernels. They are in a program of their own, which holds the core's
-// objects.
+// The same by the libraries themselves: Eigen with its order of minimum degree, MUMPS with its orders of
+// minimum fill and of nested dissection, over the core's kernels. They are in a program of their own, which
+// holds the core's objects.
 // usage: bench_solvers_others [POINTS_A_SIDE]
 #include "poisson.h"
 

@@ -1,3 +1,4 @@
+// The cluster solver: one process is served, several are told so.
 #include "solvers/cluster.h"
 
 #include "service/service_entries.h"

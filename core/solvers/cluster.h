@@ -1,5 +1,5 @@
-// The cluster solver where there is one process: pardiso's own road, whatever the communicator. A job of several processes
-// is told that it is not supported.
+// The cluster solver where there is one process: pardiso's own road, whatever the communicator. A job of
+// several processes is told that it is not supported.
 #pragma once
 
 #include "solvers/handle.h"

@@ -1,3 +1,4 @@
+// Options of dss_ routines: which bits mean what.
 #include "solvers/dss_options.h"
 
 namespace xkl::core::solvers {

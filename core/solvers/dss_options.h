@@ -1,5 +1,5 @@
-// The options of dss_ routines, taken apart. An option is a sum: bits of its own, the two levels, and at most one kind,
-// each of these with a bit that says that it is there.
+// The options of dss_ routines, taken apart. An option is a sum: bits of its own, the two levels, and at
+// most one kind, each of these with a bit that says that it is there.
 #pragma once
 
 #include "xkl_solver_types.h"
@@ -16,7 +16,7 @@ struct dss_options {
     bool has(uint32_t flag) const { return (flags & flag) != 0; }
 };
 
-// kinds: the group that the routine takes, by its first value's mark (0: none); flags: those that it takes.
+// flags: those that the routine takes; the kinds: the first and the last value of its group, 0 for none.
 dss_options take_apart(const int64_t *opt, uint32_t flags, int64_t first_kind, int64_t last_kind);
 
 } // namespace xkl::core::solvers

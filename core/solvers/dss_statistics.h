@@ -24,7 +24,8 @@ struct dss_solution {
     double reorder_seconds = 0, factor_seconds = 0, solve_seconds = 0;
 };
 
-// Writes what each of the comma-separated words asks for, one behind the other; nothing unless all can be told.
+// Writes what each of the comma-separated words asks for, one behind the other; nothing unless all can be
+// told.
 int64_t tell_statistics(const dss_solution &s, const char *words, double *values);
 
 } // namespace xkl::core::solvers

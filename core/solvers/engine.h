@@ -1,11 +1,11 @@
 // What factorizes and solves: the three engines behind the direct solvers.
 //
-// | engine  | header            | takes                        | where it is used                                           |
-// |---------|-------------------|------------------------------|------------------------------------------------------------|
-// | fixed   | fixed_pivots.h    | every kind of matrix         | small positive definite systems; pivots without exchanges  |
-// |         |                   |                              | on request; solves by parts, diagonals, factors            |
-// | rows    | row_pivots.h      | unsymmetric matrices (Eigen) | small unsymmetric systems                                  |
-// | fronts  | mumps/fronts.h    | every kind of matrix (MUMPS) | everything else, where its 32-bit orders suffice           |
+// | engine | header         | takes       | is used for                                                |
+// |--------|----------------|-------------|------------------------------------------------------------|
+// | fixed  | fixed_pivots.h | all kinds   | small positive definite systems; pivots without exchanges  |
+// |        |                |             | on request; solves by parts, diagonals                     |
+// | rows   | row_pivots.h   | unsymmetric | small unsymmetric systems (Eigen)                          |
+// | fronts | mumps/fronts.h | all kinds   | all else, where its 32-bit orders suffice (MUMPS)          |
 //
 // The first two run in as many threads as call; the third holds a lock.
 #pragma once

@@ -1,3 +1,4 @@
+// Handing out diagonals and Schur complements.
 #include "solvers/factors.h"
 
 namespace xkl::core {

@@ -1,8 +1,8 @@
-// Factorization with the pivots on the diagonal, in the given order: L*D*L^T, L*D*L^H, or L*U for matrices whose places
-// are taken as symmetric. Row by row: a row of L (and a column of U) is a triangular solve with those above it,
-// whose places follow from the elimination tree. Nothing is exchanged; a pivot that is too small goes to the program's
-// pivot routine. That is safe for positive definite and diagonally dominant matrices, and what iterative
-// refinement repairs for many others.
+// Factorization with the pivots on the diagonal, in the given order: L*D*L^T, L*D*L^H, or L*U for matrices
+// whose places are taken as symmetric. Row by row: a row of L (and a column of U) is a triangular solve
+// with those above it, whose places follow from the elimination tree. Nothing is exchanged; a pivot that is
+// too small goes to the program's pivot routine. That is safe for positive definite and diagonally dominant
+// matrices, and what iterative refinement repairs for many others.
 #pragma once
 
 #include "service/callbacks.h"

@@ -64,7 +64,8 @@ struct argument_list {
 
 int64_t run_phases(const argument_list &arguments, elements form);
 
-// Runs work and gives its error code, or the one of memory that ran out. What a program's callback throws passes.
+// Runs work and gives its error code, or the one of memory that ran out. What a program's callback throws
+// passes.
 template <class Work>
 int64_t within_memory(const Work &work)
 {

@@ -1,5 +1,6 @@
-// The file of a handle: a mark, the version of the form, the length and a check sum of the rest, and the systems. It
-// is written under another name and renamed, so that the old one stays whole when the disk is full.
+// The file of a handle: a mark, the version of the form, the length and a check sum of the rest, and the
+// systems. It is written under another name and renamed, so that the old one stays whole when the disk is
+// full.
 #include "solvers/handle_file.h"
 
 #include "solvers/stored.h"

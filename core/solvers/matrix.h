@@ -45,8 +45,8 @@ struct pattern {
     bool diagonal_only() const;
 };
 
-// A fault of the input: a status of the matrix checker and what it tells. Rows and places count from 0, columns and row
-// starts are as they stand in the arrays.
+// A fault of the input: a status of the matrix checker and what it tells. Rows and places count from 0,
+// columns and row starts are as they stand in the arrays.
 struct input_fault {
     int64_t status = XKL_SPARSE_CHECKER_SUCCESS;
     int64_t about[3] = {0, 0, 0};
@@ -65,8 +65,8 @@ struct graph {
 };
 graph graph_of(const pattern &a);
 
-// True when rows and columns can be paired through elements of the matrix, as they can for nearly all values
-// when the matrix is not singular.
+// True when rows and columns can be paired through elements of the matrix, as they can for nearly all
+// values when the matrix is not singular.
 bool structurally_regular(const pattern &a);
 
 template <class T>

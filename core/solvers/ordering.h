@@ -1,5 +1,5 @@
-// The order in which unknowns are eliminated: it decides how many elements the factors have. An order lists the
-// unknowns, the first one to be eliminated first.
+// The order in which unknowns are eliminated: it decides how many elements the factors have. An order lists
+// the unknowns, the first one to be eliminated first.
 #pragma once
 
 #include "solvers/matrix.h"

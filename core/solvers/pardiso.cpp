@@ -1,3 +1,4 @@
+// Defaults.
 #include "solvers/pardiso.h"
 
 namespace xkl::core {

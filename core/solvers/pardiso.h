@@ -1,5 +1,5 @@
-// The entries with pardiso's list of arguments. One template serves them all: the name tells the elements' type, or leaves
-// it to mtype and iparm(28).
+// The entries with pardiso's list of arguments. One template serves them all: the name tells the elements'
+// type, or leaves it to mtype and iparm(28).
 #pragma once
 
 #include "solvers/handle.h"

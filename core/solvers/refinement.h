@@ -1,5 +1,5 @@
-// Iterative refinement with the original matrix: what the factors got wrong is solved for again, until the residual is
-// that of rounding, stops shrinking, or the steps are used up.
+// Iterative refinement with the original matrix: what the factors got wrong is solved for again, until the
+// residual is that of rounding, stops shrinking, or the steps are used up.
 #pragma once
 
 #include "solvers/matrix.h"
@@ -24,8 +24,8 @@ class refinement {
   public:
     using real = decltype(std::abs(T{}));
 
-    // operation: 0 A, 1 A^H, 2 A^T; precise: residuals in the next wider type; tolerance: rounding units that are good
-    // enough.
+    // operation: 0 A, 1 A^H, 2 A^T; precise: residuals in the next wider type; tolerance: rounding units
+    // that are good enough.
     refinement(const pattern &a, const matrix_kind &kind, const std::vector<T> &values, int64_t operation,
                bool precise, double tolerance)
         : a_(a), kind_(kind), values_(values), operation_(operation), precise_(precise),

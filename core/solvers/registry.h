@@ -1,6 +1,6 @@
-// The solutions that programs hold handles of. A handle is looked up before it is used, so that an array which was
-// not cleared, or a handle that is gone already, is an error and no crash; and a solution lives until the last
-// call that works with it has ended.
+// The solutions that programs hold handles of. A handle is looked up before it is used, so that an array
+// which was not cleared, or a handle that is gone already, is an error and no crash; and a solution lives
+// until the last call that works with it has ended.
 #pragma once
 
 #include <memory>

@@ -1,5 +1,5 @@
-// The Schur complement of a system: what elimination of the other unknowns leaves of some. It is dense; here it is handed
-// out as compressed rows, and factorized to complete the solution.
+// The Schur complement of a system: what elimination of the other unknowns leaves of some. It is dense;
+// here it is handed out as compressed rows, and factorized to complete the solution.
 #pragma once
 
 #include "lapack/call.h"

@@ -1,5 +1,5 @@
-// Reading and writing of what a stored handle holds. Lengths are checked against what the file has left before
-// memory is asked for, so that a damaged file is an error and nothing more.
+// Reading and writing of what a stored handle holds. Lengths are checked against what the file has left
+// before memory is asked for, so that a damaged file is an error and nothing more.
 #pragma once
 
 #include "solvers/matrix.h"

@@ -1,3 +1,4 @@
+// Systems by their type, and what all of them share.
 #include "solvers/typed_system.h"
 
 namespace xkl::core::solvers {

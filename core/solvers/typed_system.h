@@ -256,10 +256,9 @@ template <class T>
 int64_t typed_system<T>::factor(const request &call, const export_arrays &exported)
 {
     forget_factors();
-    if (!engine_) // released before
-        if (const int64_t error = begin_engine(choose(), nullptr))
-            return error;
     int64_t error = fetch_values(call.a);
+    if (error == XKL_PARDISO_SUCCESS && !engine_) // released before
+        error = begin_engine(choose(), own_order_ ? values_.data() : nullptr);
     if (error == XKL_PARDISO_SUCCESS)
         error = run_engine();
     if (error == XKL_PARDISO_SUCCESS && !schur_.empty()) {
@@ -315,8 +314,8 @@ void typed_system<T>::report_facts(int64_t *iparm, int64_t error) const
     iparm[bad_row] = error == XKL_PARDISO_SUCCESS ? 0 : facts.bad_row + 1;
 }
 
-// Parts of the solution are those of the factors without exchanges. Null when such factors are no good for this
-// matrix, since nothing would repair the parts' product.
+// Parts of the solution are those of the factors without exchanges. Null when such factors are no good for
+// this matrix, since nothing would repair the parts' product.
 template <class T>
 engine<T> *typed_system<T>::parts_engine()
 {

@@ -1,5 +1,5 @@
-// Every kind of matrix in every arithmetic: residuals, eigenvalue counts, transposes, another factorization with the same
-// places.
+// Every kind of matrix in every arithmetic: residuals, eigenvalue counts, transposes, another factorization
+// with the same places.
 #include "pardiso_problems.h"
 
 #include <array>
@@ -153,6 +153,15 @@ TEST(kinds, saddle_point)
             EXPECT_EQ(s.iparm[22], constraints);
             EXPECT_EQ(s.iparm[21], a.n - constraints);
         }
+        // As an unsymmetric one, whose rows are matched to columns first: with its values, and after a release
+        // of the factors.
+        solver<double> unsymmetric(a, 11);
+        unsymmetric.b = random_vector<double>(a.n);
+        ASSERT_EQ(unsymmetric.run(13), 0);
+        EXPECT_LT(backward_error(a, unsymmetric.x, unsymmetric.b), 200);
+        ASSERT_EQ(unsymmetric.run(0), 0);
+        ASSERT_EQ(unsymmetric.run(23), 0);
+        EXPECT_LT(backward_error(a, unsymmetric.x, unsymmetric.b), 200);
     }
 }
 

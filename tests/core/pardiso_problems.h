@@ -1,5 +1,5 @@
-// Sparse systems for the tests of the direct solvers: matrices from files and from well-known discretizations, and a
-// call of pardiso that remembers its arguments.
+// Sparse systems for the tests of the direct solvers: matrices from files and from well-known
+// discretizations, and a call of pardiso that remembers its arguments.
 #pragma once
 
 #include <complex>

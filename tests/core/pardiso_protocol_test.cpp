@@ -1,4 +1,5 @@
-// What pardiso answers: phases and handles, faults of the input, singular matrices, control entries, callbacks.
+// What pardiso answers: phases and handles, faults of the input, singular matrices, control entries,
+// callbacks.
 #include "pardiso_problems.h"
 
 #include "xkl.h"

@@ -1,5 +1,5 @@
-// The other roads to the direct solvers: solution by steps, parts of a solution, diagonals, Schur complements, handles in
-// files, the matrix checker, the cluster form.
+// The other roads to the direct solvers: solution by steps, parts of a solution, diagonals, Schur
+// complements, handles in files, the matrix checker, the cluster form.
 #include "pardiso_problems.h"
 
 #include <cmath>

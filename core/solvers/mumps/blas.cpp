@@ -1,5 +1,6 @@
-// BLAS and LAPACK as MUMPS calls them: with 32-bit integers, under names that the build gives its objects (symbols.txt), so
-// that they meet no routine of that name with other integers. Each one widens its integers and calls the core's entry.
+// BLAS and LAPACK as MUMPS calls them: with 32-bit integers, under names that the build gives its objects
+// (symbols.txt), so that they meet no routine of that name with other integers. Each one widens its
+// integers and calls the core's entry.
 #include "lapack/call.h"
 
 namespace xkl::core {

@@ -1,7 +1,7 @@
-// What MUMPS needs of its Fortran compiler's run-time library, beside core/openblas/fortran_runtime.cpp. All its messages
-// are switched off and it keeps no files, so that reading and writing do nothing here. Where the run-time
-// library ends the process, these functions throw: MUMPS' objects carry the tables for that, and the engine
-// gives up the instance (its memory included, for who owns what is unknown then).
+// What MUMPS needs of its Fortran compiler's run-time library, beside core/openblas/fortran_runtime.cpp.
+// All its messages are switched off and it keeps no files, so that reading and writing do nothing here.
+// Where the run-time library ends the process, these functions throw: MUMPS' objects carry the tables for
+// that, and the engine gives up the instance (its memory included, for who owns what is unknown then).
 #include "solvers/mumps/stopped.h"
 
 #include <algorithm>

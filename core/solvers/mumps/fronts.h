@@ -1,7 +1,7 @@
-// Multifrontal factorization by MUMPS: dense fronts for the kernels, pivots of order 1 and 2 that wait until they are large
-// enough. Hermitian matrices, which it doesn't know, become real symmetric ones of twice the order: each
-// element a block (re, -im; im, re), each unknown its real and imaginary part, so that vectors stay as they
-// are and every eigenvalue comes twice.
+// Multifrontal factorization by MUMPS: dense fronts for the kernels, pivots of order 1 and 2 that wait
+// until they are large enough. Hermitian matrices, which it doesn't know, become real symmetric ones of
+// twice the order: each element a block (re, -im; im, re), each unknown its real and imaginary part, so
+// that vectors stay as they are and every eigenvalue comes twice.
 #pragma once
 
 #include "service/kernel_threads.h"
@@ -15,8 +15,8 @@
 
 namespace xkl::core::solvers {
 
-// MUMPS keeps the instance at work in variables of its own. Held while one of its routines runs; no routine of the
-// program is called then.
+// MUMPS keeps the instance at work in variables of its own. Held while one of its routines runs; no routine
+// of the program is called then.
 inline std::mutex mumps_turn;
 
 // R: what MUMPS computes with, the real type of a Hermitian T.
@@ -73,8 +73,10 @@ class fronts final : public engine<T> {
 template <class T, class R>
 int64_t fronts<T, R>::run(int job)
 {
-    const std::lock_guard<std::mutex> one_at_a_time(mumps_turn);
+    // In this order: who waits for a turn at the kernels must not keep another one, which has its turn,
+    // waiting.
     const kernel_turn turn;
+    const std::lock_guard<std::mutex> one_at_a_time(mumps_turn);
     m_.job = job;
     try {
         mumps<R>::call(&m_);
