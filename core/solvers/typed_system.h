@@ -86,10 +86,10 @@ typename typed_system<T>::way typed_system<T>::choose() const
     const bool small = pattern_.n <= small_order || pattern_.n > largest;
     if (!schur_.empty())
         return way::fronts;
-    const bool symmetric_without_exchanges = controls()[pivots] == 0 && !unsymmetric();
-    if (controls()[keep_diagonal] == 1 || symmetric_without_exchanges)
+    if (controls()[keep_diagonal] == 1)
         return way::fixed;
-    if (form.kind.positive_definite && small)
+    // Many programs leave iparm(21) at 0 by chance: above this order they would wait for its sake.
+    if (small && (form.kind.positive_definite || (controls()[pivots] == 0 && !unsymmetric())))
         return way::fixed;
     if (unsymmetric() && small)
         return way::rows;
