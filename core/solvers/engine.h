@@ -24,6 +24,7 @@ struct engine_options {
     bool change_pivots = true;
     bool scaling = false;
     bool own_order = false;          // the engine had better choose the order itself, by the values
+    bool own_dissection = false;     // the engine's nested dissection is the quicker one
     std::vector<int64_t> schur = {}; // the unknowns of the Schur complement, ascending
 };
 

@@ -32,6 +32,7 @@ class typed_system final : public any_system {
     bool unsymmetric() const { return form.kind.form == symmetry::none; }
     int64_t read_places(const request &call);
     way choose() const;
+    bool dissected_by_fronts() const;
     int64_t find_order(const request &call);
     int64_t begin_engine(way chosen, const T *values);
     bool weak_diagonal(const T *values) const;
@@ -86,14 +87,24 @@ typename typed_system<T>::way typed_system<T>::choose() const
     const bool small = pattern_.n <= small_order || pattern_.n > largest;
     if (!schur_.empty())
         return way::fronts;
-    const bool symmetric_without_exchanges = controls()[pivots] == 0 && !unsymmetric();
-    if (controls()[keep_diagonal] == 1 || symmetric_without_exchanges)
+    if (controls()[keep_diagonal] == 1)
         return way::fixed;
-    if (form.kind.positive_definite && small)
+    // Many programs leave iparm(21) at 0 by chance: above this order they would wait for its sake.
+    if (small && (form.kind.positive_definite || (controls()[pivots] == 0 && !unsymmetric())))
         return way::fixed;
     if (unsymmetric() && small)
         return way::rows;
     return pattern_.n > largest ? way::fixed : way::fronts;
+}
+
+// Up to this order the dissection that fronts brings along is the quicker one, and has the better factors.
+template <class T>
+bool typed_system<T>::dissected_by_fronts() const
+{
+    constexpr int64_t largest = 200'000;
+    return choose() == way::fronts && schur_.empty() && form.kind.form != symmetry::conjugated &&
+           controls()[user_order] == 0 && controls()[ordering] == 2 && pattern_.n > small_order &&
+           pattern_.n <= largest;
 }
 
 template <class T>
@@ -109,7 +120,7 @@ int64_t typed_system<T>::find_order(const request &call)
     }
     if (choose() == way::rows)
         order = column_degree(pattern_);
-    else if (controls()[ordering] != 0 && n > small_order)
+    else if (controls()[ordering] != 0 && n > small_order && !dissected_by_fronts())
         order = nested_dissection(pattern_);
     if (order.empty())
         order = minimum_degree(pattern_);
@@ -151,6 +162,7 @@ int64_t typed_system<T>::begin_engine(way chosen, const T *values)
     options.change_pivots = controls()[pivot_exponent] >= 0;
     options.scaling = controls()[scaling] == 1;
     options.own_order = own_order_;
+    options.own_dissection = dissected_by_fronts();
     engine_ = chosen == way::fixed  ? make_fixed_engine<T>(options)
               : chosen == way::rows ? make_row_engine<T>(options)
                                     : make_front_engine<T>(options);

@@ -165,6 +165,16 @@ TEST(protocol, singular_matrices)
         solver<double> s(square, mtype);
         EXPECT_EQ(s.run(12), XKL_PARDISO_ZERO_PIVOT) << mtype;
     }
+    matrix<double> exchange; // regular, with zeros on the diagonal
+    exchange.n = 2;
+    exchange(0, 1) = exchange(1, 0) = 1;
+    for (const int64_t mtype : {1, -2, 11}) {
+        solver<double> s(exchange, mtype);
+        s.iparm[12] = 1;
+        s.b = {3, 4};
+        ASSERT_EQ(s.run(13), 0) << mtype;
+        EXPECT_EQ(s.x, (std::vector<double>{4, 3}));
+    }
     matrix<double> diagonal;
     diagonal.n = 3;
     diagonal(0, 0) = diagonal(2, 2) = 1;

@@ -1,5 +1,5 @@
 # MUMPS (sequential, with 32-bit integers for orders of matrices), and SCOTCH with 64-bit integers for the
-# order of elimination, as archives that go in hidden. MUMPS' calls of BLAS and of exit get names of the
+# order of elimination, as archives that go in hidden. MUMPS' calls of BLAS, exit and rand get names of the
 # core's (symbols.txt): the kernel library beside it has the same names with 64-bit integers.
 set(parts smumps dmumps cmumps zmumps mumps_common pord mpiseq)
 set(directory ${CMAKE_CURRENT_BINARY_DIR}/mumps)

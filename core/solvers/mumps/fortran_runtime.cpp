@@ -81,6 +81,9 @@ struct array {
     }
 };
 
+// Written by xkl_mumps_srand and xkl_mumps_rand, under the lock on MUMPS.
+uint64_t random_state = 1;
+
 struct string_case {
     const char *low;
     size_t low_length;
@@ -186,6 +189,17 @@ void _gfortran_date_and_time(char *, char *, char *, array *, size_t, size_t, si
 [[noreturn]] void xkl_mumps_exit(int)
 {
     throw xkl::core::mumps_stopped();
+}
+
+// The program's own sequence stays as it is.
+void xkl_mumps_srand()
+{
+    random_state = 1;
+}
+int xkl_mumps_rand()
+{
+    random_state = random_state * 6364136223846793005 + 1442695040888963407;
+    return static_cast<int>(random_state >> 33);
 }
 
 // An ordering that is never asked for.

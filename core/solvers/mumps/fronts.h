@@ -78,6 +78,7 @@ int64_t fronts<T, R>::run(int job)
     const kernel_turn turn;
     const std::lock_guard<std::mutex> one_at_a_time(mumps_turn);
     m_.job = job;
+    xkl_mumps_srand();
     try {
         mumps<R>::call(&m_);
     } catch (const mumps_stopped &) {
@@ -164,11 +165,14 @@ void fronts<T, R>::set_schur(const std::vector<int64_t> &order)
 template <class T, class R>
 void fronts<T, R>::set_order(bool with_values)
 {
-    constexpr int given = 1, nested_dissection = 4;
-    const bool own = options_.own_order && options_.schur.empty();
-    m_.icntl[6] = own ? nested_dissection : given;
-    m_.icntl[5] = !own ? 0 : with_values ? 7 : options_.kind.form == symmetry::none ? 1 : 0;
-    m_.icntl[11] = own && options_.kind.form != symmetry::none && with_values ? 2 : 1;
+    constexpr int minimum_degree = 0, given = 1, nested_dissection = 4; // which is not made for tiny graphs
+    constexpr int large = 1000;
+    const bool weighs =
+        options_.own_order && options_.schur.empty() && options_.kind.form == symmetry::none;
+    const bool own = weighs || (options_.own_dissection && options_.schur.empty());
+    m_.icntl[6] = !own ? given : m_.n > large ? nested_dissection : minimum_degree;
+    m_.icntl[5] = !weighs ? 0 : with_values ? 7 : 1;
+    m_.icntl[11] = 1; // no compression, which reads outside its arrays where diagonal elements are missing
     m_.icntl[7] = options_.scaling ? 77 : 0;
     m_.icntl[32] = 1; // the determinant
     m_.icntl[23] = 1; // tells rows without a pivot instead of giving up
