@@ -3,10 +3,11 @@
 #pragma once
 
 #include "feast_drive.h"
-
-#include <Eigen/SparseLU>
+#include "solvers/engine.h"
+#include "solvers/ordering.h"
 
 #include <new>
+#include <vector>
 
 namespace xkl::core {
 namespace feast {
@@ -61,38 +62,45 @@ template <class T>
 class csr_pencil {
   public:
     using complex = std::complex<real_of<T>>;
-    using sparse = Eigen::SparseMatrix<complex, Eigen::ColMajor, int64_t>;
 
     /// b is null for a standard problem
-    csr_pencil(const csr_matrix<T> &a, const csr_matrix<T> *b) : a_(a), b_(b), shifted_(a.n, a.n) {}
+    csr_pencil(const csr_matrix<T> &a, const csr_matrix<T> *b) : a_(a), b_(b)
+    {
+        find_pattern();
+        constexpr int64_t small_order = 1000, largest_order = std::numeric_limits<int32_t>::max() / 2;
+        constexpr solvers::matrix_kind general = {solvers::symmetry::none, false, true, true};
+        const bool small = a.n <= small_order || a.n > largest_order;
+        const solvers::engine_options options = {.kind = general, .own_dissection = true};
+        engine_ = small ? solvers::make_row_engine<complex>(options)
+                        : solvers::make_front_engine<complex>(options);
+        order_ = small ? solvers::column_degree(pattern_) : solvers::minimum_degree(pattern_);
+    }
 
     bool factor(complex z)
     {
-        std::vector<Eigen::Triplet<complex, int64_t>> elements;
-        a_.for_each([&](int64_t i, int64_t j, T value) { elements.emplace_back(i, j, -complex(value)); });
+        std::fill(values_.begin(), values_.end(), complex());
+        a_.for_each([&](int64_t i, int64_t j, T value) { values_[place_of(i, j)] -= complex(value); });
         if (b_)
             b_->for_each([&](int64_t i, int64_t j, T value) {
-                elements.emplace_back(i, j, product(z, complex(value)));
+                values_[place_of(i, j)] += product(z, complex(value));
             });
         else
             for (int64_t i = 0; i < a_.n; ++i)
-                elements.emplace_back(i, i, z);
-        shifted_.setFromTriplets(elements.begin(), elements.end());
-        if (!analysed_)
-            factors_.analyzePattern(shifted_);
+                values_[place_of(i, i)] += z;
+        if (!analysed_ && engine_->analyse(pattern_, values_.data(), order_) != XKL_PARDISO_SUCCESS)
+            return false;
         analysed_ = true;
-        factors_.factorize(shifted_);
-        return factors_.info() == Eigen::Success;
+        return engine_->factor(pattern_, values_.data()) == XKL_PARDISO_SUCCESS;
     }
+    /// The adjoint's solution is the conjugate of the transpose's for conjugate sides.
     void solve(complex *b, int64_t columns, bool adjoint)
     {
-        using dense = Eigen::Matrix<complex, Eigen::Dynamic, Eigen::Dynamic>;
-        Eigen::Map<dense> sides(b, a_.n, columns);
-        const dense right = sides;
+        const auto conjugate_all = [&] { std::transform(b, b + a_.n * columns, b, conjugate<complex>); };
         if (adjoint)
-            sides = factors_.adjoint().solve(right);
-        else
-            sides = factors_.solve(right);
+            conjugate_all();
+        engine_->solve(adjoint, b, columns);
+        if (adjoint)
+            conjugate_all();
     }
     void multiply_a(const T *x, T *y, int64_t columns) const { a_.multiply(x, y, columns); }
     void multiply_b(const T *x, T *y, int64_t columns) const
@@ -101,10 +109,39 @@ class csr_pencil {
     }
 
   private:
+    /// The diagonal and what either matrix has, by rows with ascending columns
+    void find_pattern()
+    {
+        std::vector<std::vector<int64_t>> rows(a_.n);
+        const auto add = [&](int64_t i, int64_t j, T) { rows[i].push_back(j); };
+        for (int64_t i = 0; i < a_.n; ++i)
+            rows[i].push_back(i);
+        a_.for_each(add);
+        if (b_)
+            b_->for_each(add);
+        pattern_.n = a_.n;
+        pattern_.start.push_back(0);
+        for (std::vector<int64_t> &row : rows) {
+            std::sort(row.begin(), row.end());
+            row.erase(std::unique(row.begin(), row.end()), row.end());
+            pattern_.column.insert(pattern_.column.end(), row.begin(), row.end());
+            pattern_.start.push_back(pattern_.elements());
+        }
+        values_.resize(pattern_.elements());
+    }
+    int64_t place_of(int64_t i, int64_t j) const
+    {
+        const auto first = pattern_.column.begin() + pattern_.start[i];
+        return std::lower_bound(first, pattern_.column.begin() + pattern_.start[i + 1], j) -
+               pattern_.column.begin();
+    }
+
     csr_matrix<T> a_;
     const csr_matrix<T> *b_;
-    sparse shifted_;
-    Eigen::SparseLU<sparse> factors_;
+    solvers::pattern pattern_;
+    std::vector<complex> values_;
+    std::vector<int64_t> order_;
+    std::unique_ptr<solvers::engine<complex>> engine_;
     bool analysed_ = false;
 };
 

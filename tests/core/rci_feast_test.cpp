@@ -237,6 +237,33 @@ TYPED_TEST(feast, sparse_matrices)
     }
 }
 
+/// Above a thousand unknowns the systems are solved by another engine.
+template <class T>
+void expect_middle_of_spectrum(int64_t n)
+{
+    const tridiagonal<T> matrix{n, 2, -1};
+    const auto a = matrix.compressed('U');
+    const char uplo = 'U';
+    outcome<T> r(n, 30, 2.0, 2.025);
+    std::get<4>(drivers<T>())(&uplo, &n, a.a.data(), a.ia.data(), a.ja.data(), r.fpm.data(), &r.epsout,
+                              &r.loop, &r.emin, &r.emax, &r.m0, r.e.data(), r.x.data(), &r.m, r.res.data(),
+                              &r.info);
+    ASSERT_EQ(r.info, 0);
+    std::vector<double> expected;
+    for (int64_t k = 1; k <= n; ++k)
+        if (const double value = matrix.eigenvalue(k); 2.0 <= value && value <= 2.025)
+            expected.push_back(value);
+    ASSERT_EQ(r.m, static_cast<int64_t>(expected.size()));
+    for (int64_t k = 0; k < r.m; ++k)
+        EXPECT_NEAR(r.e[k], expected[k], 1e-11);
+}
+
+TEST(large_sparse_feast, finds_the_middle_of_the_spectrum)
+{
+    expect_middle_of_spectrum<double>(3000);
+    expect_middle_of_spectrum<std::complex<double>>(3000);
+}
+
 class feast_control : public testing::Test {
   protected:
     static constexpr int64_t n = 60;
