@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <numeric>
 #include <scotch.h>
 
 namespace xkl::core::solvers {
@@ -104,6 +105,13 @@ std::vector<int64_t> column_degree(const pattern &a)
     permutation position;
     Eigen::COLAMDOrdering<int64_t>()(by_columns, position);
     return inverse(indices_of(position));
+}
+
+std::vector<int64_t> as_they_stand(int64_t n)
+{
+    std::vector<int64_t> order(n);
+    std::iota(order.begin(), order.end(), int64_t{0});
+    return order;
 }
 
 std::vector<int64_t> inverse(const std::vector<int64_t> &order)

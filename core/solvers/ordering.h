@@ -15,6 +15,9 @@ std::vector<int64_t> nested_dissection(const pattern &a);
 // The columns of an unsymmetric matrix by their degree in A^T * A, whatever rows the pivots come from.
 std::vector<int64_t> column_degree(const pattern &a);
 
+// No order of its own
+std::vector<int64_t> as_they_stand(int64_t n);
+
 std::vector<int64_t> inverse(const std::vector<int64_t> &order);
 bool is_permutation(const std::vector<int64_t> &order);
 

@@ -34,6 +34,7 @@ class typed_system final : public any_system {
     way choose() const;
     bool dissected_by_fronts() const;
     int64_t find_order(const request &call);
+    std::vector<int64_t> fixed_order() const;
     int64_t begin_engine(way chosen, const T *values);
     bool weak_diagonal(const T *values) const;
     int64_t fetch_values(const void *from);
@@ -120,7 +121,9 @@ int64_t typed_system<T>::find_order(const request &call)
     }
     if (choose() == way::rows)
         order = column_degree(pattern_);
-    else if (controls()[ordering] != 0 && n > small_order && !dissected_by_fronts())
+    else if (dissected_by_fronts())
+        order = as_they_stand(n); // fronts find their own
+    else if (controls()[ordering] != 0 && n > small_order)
         order = nested_dissection(pattern_);
     if (order.empty())
         order = minimum_degree(pattern_);
@@ -133,6 +136,13 @@ int64_t typed_system<T>::find_order(const request &call)
         return !std::binary_search(schur_.begin(), schur_.end(), unknown);
     });
     return XKL_PARDISO_SUCCESS;
+}
+
+// For fixed factors beside those of the engine in force
+template <class T>
+std::vector<int64_t> typed_system<T>::fixed_order() const
+{
+    return dissected_by_fronts() ? minimum_degree(pattern_) : order;
 }
 
 // True when a row's diagonal element is missing, or nothing beside the row's largest.
@@ -258,7 +268,7 @@ void typed_system<T>::find_bad_row()
     if (facts.operations > affordable)
         return;
     const auto finder = make_fixed_engine<T>({.kind = form.kind, .change_pivots = false});
-    if (finder->analyse(pattern_, nullptr, order) == XKL_PARDISO_SUCCESS &&
+    if (finder->analyse(pattern_, nullptr, fixed_order()) == XKL_PARDISO_SUCCESS &&
         finder->facts.operations <= affordable &&
         finder->factor(pattern_, values_.data()) == XKL_PARDISO_ZERO_PIVOT)
         facts.bad_row = finder->facts.bad_row;
@@ -338,7 +348,7 @@ engine<T> *typed_system<T>::parts_engine()
             make_fixed_engine<T>({.kind = form.kind,
                                   .pivot_threshold = std::sqrt(std::numeric_limits<real>::epsilon()),
                                   .change_pivots = true});
-        if (made->analyse(pattern_, nullptr, order) == XKL_PARDISO_SUCCESS &&
+        if (made->analyse(pattern_, nullptr, fixed_order()) == XKL_PARDISO_SUCCESS &&
             made->factor(pattern_, values_.data()) == XKL_PARDISO_SUCCESS &&
             made->facts.changed_pivots == 0)
             parts_ = std::move(made);
