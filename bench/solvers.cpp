@@ -6,13 +6,15 @@
 
 #include <cstdlib>
 
-int main(int argc, char **argv)
+namespace {
+
+void run_pardiso(const poisson &a, const char *what, int64_t ordering)
 {
-    const poisson a(argc > 1 ? std::atoll(argv[1]) : 40);
     const int64_t one = 1, silent = 0, positive_definite = 2;
     void *pt[64];
     int64_t iparm[64], error = 0;
     pardisoinit(pt, &positive_definite, iparm);
+    iparm[1] = ordering;
     iparm[34] = 1; // indices from 0
     std::vector<double> b(a.n, 1.0), x(a.n);
     const auto run = [&](int64_t phase) {
@@ -27,6 +29,15 @@ int main(int argc, char **argv)
     const double analysis = seconds_of([&] { run(11); });
     const double factorization = seconds_of([&] { run(22); });
     const double solution = seconds_of([&] { run(33); });
-    tell("pardiso", analysis, factorization, solution, a.residual(x, b));
+    tell(what, analysis, factorization, solution, a.residual(x, b));
     run(-1);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const poisson a(argc > 1 ? std::atoll(argv[1]) : 40);
+    run_pardiso(a, "pardiso, iparm(2) = 0: minimum fill", 0);
+    run_pardiso(a, "pardiso, iparm(2) = 2: nested dissection", 2);
 }

@@ -70,7 +70,8 @@ class csr_pencil {
         constexpr int64_t small_order = 1000, largest_order = std::numeric_limits<int32_t>::max() / 2;
         constexpr solvers::matrix_kind general = {solvers::symmetry::none, false, true, true};
         const bool small = a.n <= small_order || a.n > largest_order;
-        const solvers::engine_options options = {.kind = general, .own_dissection = true};
+        const solvers::engine_options options = {.kind = general,
+                                                 .ordering = solvers::own_ordering::dissection};
         engine_ = small ? solvers::make_row_engine<complex>(options)
                         : solvers::make_front_engine<complex>(options);
         order_ = small ? solvers::column_degree(pattern_) : solvers::minimum_degree(pattern_);

@@ -18,14 +18,18 @@
 
 namespace xkl::core::solvers {
 
+// An order that the engine finds itself: of minimum fill, which is found quickly, or by nested dissection, which
+// makes large factors cheaper.
+enum class own_ordering { none, minimum_fill, dissection };
+
 struct engine_options {
     matrix_kind kind;
     double pivot_threshold = 0; // relative to the largest element, where small pivots are changed
     bool change_pivots = true;
     bool scaling = false;
-    bool own_order = false;          // the engine had better choose the order itself, by the values
-    bool own_dissection = false;     // the engine's nested dissection is the quicker one
-    std::vector<int64_t> schur = {}; // the unknowns of the Schur complement, ascending
+    bool own_order = false; // the engine had better choose the order itself, by the values
+    own_ordering ordering = own_ordering::none; // none: the one that is given
+    std::vector<int64_t> schur = {};            // the unknowns of the Schur complement, ascending
 };
 
 // What is known after a factorization.

@@ -32,7 +32,7 @@ class typed_system final : public any_system {
     bool unsymmetric() const { return form.kind.form == symmetry::none; }
     int64_t read_places(const request &call);
     way choose() const;
-    bool dissected_by_fronts() const;
+    own_ordering ordering_of_fronts() const;
     int64_t find_order(const request &call);
     std::vector<int64_t> fixed_order() const;
     int64_t begin_engine(way chosen, const T *values);
@@ -100,12 +100,14 @@ typename typed_system<T>::way typed_system<T>::choose() const
 
 // Up to this order the dissection that fronts brings along is the quicker one, and has the better factors.
 template <class T>
-bool typed_system<T>::dissected_by_fronts() const
+own_ordering typed_system<T>::ordering_of_fronts() const
 {
-    constexpr int64_t largest = 200'000;
-    return choose() == way::fronts && schur_.empty() && form.kind.form != symmetry::conjugated &&
-           controls()[user_order] == 0 && controls()[ordering] == 2 && pattern_.n > small_order &&
-           pattern_.n <= largest;
+    if (choose() != way::fronts || !schur_.empty() || form.kind.form == symmetry::conjugated ||
+        controls()[user_order] != 0 || pattern_.n <= small_order || controls()[ordering] == 3)
+        return own_ordering::none;
+    if (controls()[ordering] == 0)
+        return own_ordering::minimum_fill;
+    return pattern_.n <= 200'000 ? own_ordering::dissection : own_ordering::none;
 }
 
 template <class T>
@@ -121,7 +123,7 @@ int64_t typed_system<T>::find_order(const request &call)
     }
     if (choose() == way::rows)
         order = column_degree(pattern_);
-    else if (dissected_by_fronts())
+    else if (ordering_of_fronts() != own_ordering::none)
         order = as_they_stand(n); // fronts find their own
     else if (controls()[ordering] != 0 && n > small_order)
         order = nested_dissection(pattern_);
@@ -142,7 +144,7 @@ int64_t typed_system<T>::find_order(const request &call)
 template <class T>
 std::vector<int64_t> typed_system<T>::fixed_order() const
 {
-    return dissected_by_fronts() ? minimum_degree(pattern_) : order;
+    return ordering_of_fronts() == own_ordering::none ? order : minimum_degree(pattern_);
 }
 
 // True when a row's diagonal element is missing, or nothing beside the row's largest.
@@ -172,7 +174,7 @@ int64_t typed_system<T>::begin_engine(way chosen, const T *values)
     options.change_pivots = controls()[pivot_exponent] >= 0;
     options.scaling = controls()[scaling] == 1;
     options.own_order = own_order_;
-    options.own_dissection = dissected_by_fronts();
+    options.ordering = ordering_of_fronts();
     engine_ = chosen == way::fixed  ? make_fixed_engine<T>(options)
               : chosen == way::rows ? make_row_engine<T>(options)
                                     : make_front_engine<T>(options);

@@ -165,12 +165,16 @@ void fronts<T, R>::set_schur(const std::vector<int64_t> &order)
 template <class T, class R>
 void fronts<T, R>::set_order(bool with_values)
 {
-    constexpr int minimum_degree = 0, given = 1, nested_dissection = 4; // which is not made for tiny graphs
+    constexpr int minimum_degree = 0, given = 1, minimum_fill = 2,
+                  nested_dissection = 4; // which is not made for tiny graphs
     constexpr int large = 1000;
     const bool weighs =
         options_.own_order && options_.schur.empty() && options_.kind.form == symmetry::none;
-    const bool own = weighs || (options_.own_dissection && options_.schur.empty());
-    m_.icntl[6] = !own ? given : m_.n > large ? nested_dissection : minimum_degree;
+    const bool own = weighs || (options_.ordering != own_ordering::none && options_.schur.empty());
+    m_.icntl[6] = !own                                              ? given
+                  : options_.ordering == own_ordering::minimum_fill ? minimum_fill
+                  : m_.n > large                                    ? nested_dissection
+                                                                    : minimum_degree;
     m_.icntl[5] = !weighs ? 0 : with_values ? 7 : 1;
     m_.icntl[11] = 1; // no compression, which reads outside its arrays where diagonal elements are missing
     m_.icntl[7] = options_.scaling ? 77 : 0;
