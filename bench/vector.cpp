@@ -30,44 +30,44 @@ constexpr int64_t room = 16; // elements behind a vector that SLEEF's last regis
 template <class R>
 struct routine {
     const char *name, *function;
-    void (*unary)(int64_t, const R *, R *, uint64_t mode);
-    void (*binary)(int64_t, const R *, const R *, R *, uint64_t mode);
+    void (*unary)(int64_t, const R *, R *);
+    void (*binary)(int64_t, const R *, const R *, R *);
     R low, high, low_b = 0, high_b = 0;
 };
 
 // clang-format off
 const routine<double> in_double[] = {
-    {"vdExp", "Exp", vmdExp, nullptr, -10, 10},
-    {"vdLn", "Ln", vmdLn, nullptr, 1e-3, 1e3},
-    {"vdLog10", "Log10", vmdLog10, nullptr, 1e-3, 1e3},
-    {"vdSin", "Sin", vmdSin, nullptr, -10, 10},
-    {"vdCos", "Cos", vmdCos, nullptr, -10, 10},
-    {"vdTan", "Tan", vmdTan, nullptr, -10, 10},
-    {"vdAtan", "Atan", vmdAtan, nullptr, -10, 10},
-    {"vdTanh", "Tanh", vmdTanh, nullptr, -3, 3},
-    {"vdCbrt", "Cbrt", vmdCbrt, nullptr, -100, 100},
-    {"vdPow", "Pow", nullptr, vmdPow, .1, 10, -5, 5},
-    {"vdErf", "Erf", vmdErf, nullptr, -3, 3},
-    {"vdLGamma", "LGamma", vmdLGamma, nullptr, .1, 30},
-    {"vdTGamma", "TGamma", vmdTGamma, nullptr, .1, 30},
-    {"vdJ0", "J0", vmdJ0, nullptr, 0, 30},
-    {"vdErfInv", "ErfInv", vmdErfInv, nullptr, -.99, .99},
-    {"vdCdfNormInv", "CdfNormInv", vmdCdfNormInv, nullptr, .01, .99},
+    {"vdExp", "Exp", vdExp, nullptr, -10, 10},
+    {"vdLn", "Ln", vdLn, nullptr, 1e-3, 1e3},
+    {"vdLog10", "Log10", vdLog10, nullptr, 1e-3, 1e3},
+    {"vdSin", "Sin", vdSin, nullptr, -10, 10},
+    {"vdCos", "Cos", vdCos, nullptr, -10, 10},
+    {"vdTan", "Tan", vdTan, nullptr, -10, 10},
+    {"vdAtan", "Atan", vdAtan, nullptr, -10, 10},
+    {"vdTanh", "Tanh", vdTanh, nullptr, -3, 3},
+    {"vdCbrt", "Cbrt", vdCbrt, nullptr, -100, 100},
+    {"vdPow", "Pow", nullptr, vdPow, .1, 10, -5, 5},
+    {"vdErf", "Erf", vdErf, nullptr, -3, 3},
+    {"vdLGamma", "LGamma", vdLGamma, nullptr, .1, 30},
+    {"vdTGamma", "TGamma", vdTGamma, nullptr, .1, 30},
+    {"vdJ0", "J0", vdJ0, nullptr, 0, 30},
+    {"vdErfInv", "ErfInv", vdErfInv, nullptr, -.99, .99},
+    {"vdCdfNormInv", "CdfNormInv", vdCdfNormInv, nullptr, .01, .99},
 };
 const routine<float> in_float[] = {
-    {"vsExp", "Exp", vmsExp, nullptr, -10, 10},
-    {"vsLn", "Ln", vmsLn, nullptr, 1e-3F, 1e3F},
-    {"vsSin", "Sin", vmsSin, nullptr, -10, 10},
-    {"vsCos", "Cos", vmsCos, nullptr, -10, 10},
-    {"vsTan", "Tan", vmsTan, nullptr, -10, 10},
-    {"vsTanh", "Tanh", vmsTanh, nullptr, -3, 3},
-    {"vsPow", "Pow", nullptr, vmsPow, .1F, 10, -5, 5},
-    {"vsErf", "Erf", vmsErf, nullptr, -3, 3},
-    {"vsCdfNormInv", "CdfNormInv", vmsCdfNormInv, nullptr, .01F, .99F},
+    {"vsExp", "Exp", vsExp, nullptr, -10, 10},
+    {"vsLn", "Ln", vsLn, nullptr, 1e-3F, 1e3F},
+    {"vsSin", "Sin", vsSin, nullptr, -10, 10},
+    {"vsCos", "Cos", vsCos, nullptr, -10, 10},
+    {"vsTan", "Tan", vsTan, nullptr, -10, 10},
+    {"vsTanh", "Tanh", vsTanh, nullptr, -3, 3},
+    {"vsPow", "Pow", nullptr, vsPow, .1F, 10, -5, 5},
+    {"vsErf", "Erf", vsErf, nullptr, -3, 3},
+    {"vsCdfNormInv", "CdfNormInv", vsCdfNormInv, nullptr, .01F, .99F},
 };
 // clang-format on
 
-using body = std::function<void()>;
+using body = std::function<void(long calls)>;
 
 double seconds()
 {
@@ -85,8 +85,7 @@ std::vector<double> time_in_turn(const std::vector<body> &bodies, long calls, in
             if (!bodies[i])
                 continue;
             const double start = seconds();
-            for (long call = 0; call < calls; ++call)
-                bodies[i]();
+            bodies[i](calls);
             best[i] = std::min(best[i], (seconds() - start) / static_cast<double>(calls));
         }
     return best;
@@ -149,16 +148,20 @@ void compare(const routine<R> &each, int64_t n)
     std::vector<R> r(a.size());
     std::vector<body> bodies;
     for (const uint64_t mode : modes)
-        bodies.push_back([&, mode] {
-            each.unary ? each.unary(n, a.data(), r.data(), mode)
-                       : each.binary(n, a.data(), b.data(), r.data(), mode);
+        bodies.push_back([&, mode](long calls) {
+            vmlSetMode(mode);
+            for (long call = 0; call < calls; ++call)
+                each.unary ? each.unary(n, a.data(), r.data())
+                           : each.binary(n, a.data(), b.data(), r.data());
         });
     const loops_of *const libm = libm_loops(each.function);
     for (const loops_of *loops : {libm ? libm : scalar_loops(each.function), compiler_loops(each.function),
                                   sleef_loops_1ulp(each.function), sleef_loops_4ulp(each.function)})
-        bodies.push_back(
-            loops ? body([&, loop = loop_of(*loops, R())] { loop(n, a.data(), b.data(), r.data()); })
-                  : body());
+        bodies.push_back(loops ? body([&, loop = loop_of(*loops, R())](long calls) {
+            for (long call = 0; call < calls; ++call)
+                loop(n, a.data(), b.data(), r.data());
+        })
+                               : body());
     const long calls = std::max(1L, static_cast<long>(100000 / n));
     std::vector<double> ns = time_in_turn(bodies, calls, n > 100000 ? 7 : 15);
     for (double &time : ns)
@@ -181,8 +184,15 @@ void compare_short(void *kernels)
     double a[10], r[10];
     for (int i = 0; i < 10; ++i)
         a[i] = .3 * i;
-    const std::vector<double> best =
-        time_in_turn({[&] { vdExp(10, a, r); }, [&] { kernel(10, a, r); }}, 20000, 31);
+    const std::vector<double> best = time_in_turn({[&](long calls) {
+                                                       for (long call = 0; call < calls; ++call)
+                                                           vdExp(10, a, r);
+                                                   },
+                                                   [&](long calls) {
+                                                       for (long call = 0; call < calls; ++call)
+                                                           kernel(10, a, r);
+                                                   }},
+                                                  20000, 31);
     const double over = 1e9 * (best[0] - best[1]);
     std::printf("\nvdExp, n = 10: %.1f ns, its kernel %.1f ns, the rest %.1f ns%s\n", 1e9 * best[0],
                 1e9 * best[1], over, over > 40 ? "  OVER BUDGET (40)" : "");

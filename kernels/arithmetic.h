@@ -18,7 +18,7 @@ struct add_function {
     {
         return a + b;
     }
-    XKL_HOT auto suspicious(V, V, V y) const { return is_not_finite(y); }
+    XKL_HOT unsigned suspicious(V, V, V y) const { return which_are_of<not_finite>(y); }
     status settle(R a, R b, R &y) const { return overflow_or_nan(y, a, b); }
 };
 
@@ -30,7 +30,7 @@ struct sub_function {
     {
         return a - b;
     }
-    XKL_HOT auto suspicious(V, V, V y) const { return is_not_finite(y); }
+    XKL_HOT unsigned suspicious(V, V, V y) const { return which_are_of<not_finite>(y); }
     status settle(R a, R b, R &y) const { return overflow_or_nan(y, a, b); }
 };
 
@@ -42,9 +42,9 @@ struct mul_function {
     {
         return a * b;
     }
-    XKL_HOT auto suspicious(V a, V b, V y) const
+    XKL_HOT unsigned suspicious(V a, V b, V y) const
     {
-        return is_not_finite(y) | (is_tiny(y) & (a != 0) & (b != 0));
+        return abnormal(y, which_are<equal>(a, R(0)) | which_are<equal>(b, R(0)));
     }
     status settle(R a, R b, R &y) const
     {
@@ -60,9 +60,9 @@ struct div_function {
     {
         return a / b;
     }
-    XKL_HOT auto suspicious(V a, V b, V y) const
+    XKL_HOT unsigned suspicious(V a, V b, V y) const
     {
-        return is_not_finite(y) | (is_tiny(y) & (a != 0) & ~is_infinite(b));
+        return abnormal(y, which_are<equal>(a, R(0)) | which_are_of<infinities>(b));
     }
     status settle(R a, R b, R &y) const
     {
@@ -80,7 +80,7 @@ struct sqr_function {
     {
         return a * a;
     }
-    XKL_HOT auto suspicious(V a, V y) const { return is_not_finite(y) | (is_tiny(y) & (a != 0)); }
+    XKL_HOT unsigned suspicious(V a, V y) const { return abnormal(y, which_are<equal>(a, R(0))); }
     status settle(R a, R &y) const { return tiny(y) ? underflow : overflow_or_nan(y, a); }
 };
 
@@ -101,7 +101,7 @@ struct inv_function {
     {
         return 1 / a;
     }
-    XKL_HOT auto suspicious(V a, V y) const { return is_not_finite(y) | (is_tiny(y) & ~is_infinite(a)); }
+    XKL_HOT unsigned suspicious(V a, V y) const { return abnormal(y, which_are_of<infinities>(a)); }
     status settle(R a, R &y) const
     {
         if (tiny(y))
@@ -118,7 +118,7 @@ struct sqrt_function {
     {
         return square_root(a);
     }
-    XKL_HOT auto suspicious(V a, V) const { return a < 0; }
+    XKL_HOT unsigned suspicious_arguments(V a) const { return which_are<below>(a, R(0)); }
     status settle(R, R &) const { return domain_error; }
 };
 

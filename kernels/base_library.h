@@ -173,10 +173,15 @@ XKL_GLIBC_1(tanh)
 /// Arguments so small that the result is the argument rounded; there the base library may be an ULP off,
 /// or lose the sign of denormal ones. The default serves series that go on with a cube. Results are
 /// computed, not copied: denormal arguments become zeros where the mode says so.
-template <class V>
-XKL_HOT V small_as_they_are(V a, V y, element<V> small = sizeof(element<V>) == 8 ? 0x1p-27 : 0x1p-13)
+/// f is left alone with what it needs: whatever is kept across its call costs time.
+template <class V, class F>
+XKL_HOT V small_as_they_are(V a, const F &f, element<V> small = sizeof(element<V>) == 8 ? 0x1p-27 : 0x1p-13)
 {
-    return absolute(a) < small ? multiply_add(a, V{}, a) : y;
+    if (which_are<below>(absolute(a), small)) [[unlikely]] {
+        const V y = f(a);
+        return absolute(a) < small ? multiply_add(a, V{}, a) : y;
+    }
+    return f(a);
 }
 
 } // namespace XKL_ISA

@@ -141,7 +141,7 @@ struct complex_cis_function {
         const auto y = sincos_function<R>{}.template value<A>(a);
         return {y.second, y.first};
     }
-    XKL_HOT auto suspicious(vec<R> a, V) const { return is_infinite(a); }
+    static constexpr R harmless = limits<R>::largest;
     status settle(R, complex<R> &y) const
     {
         y = {limits<R>::nan, limits<R>::nan};

@@ -21,7 +21,7 @@ XKL_HOT direction_of<V> degrees(V a)
 /// time.
 template <class R>
 struct of_degrees {
-    XKL_HOT static auto large(vec<R> a) { return absolute(a) >= R(0x1p45); }
+    static constexpr R exact_up_to = R(0x1p44);
 
     /// The same angle within a turn; false: there is none
     static bool within_a_turn(R &a)
@@ -63,7 +63,7 @@ struct sind_function : of_degrees<R> {
     {
         return angular<A>([]<bool Exact>(auto x) { return sine_of<Exact>(degrees<Exact>(x), x); }, a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return this->large(a); }
+    static constexpr R harmless = of_degrees<R>::exact_up_to;
     status settle(R a, R &y) const { return this->settle_with(*this, a, y); }
 };
 
@@ -74,7 +74,7 @@ struct cosd_function : of_degrees<R> {
     {
         return angular<A>([]<bool Exact>(auto x) { return cosine_of<Exact>(degrees<Exact>(x)); }, a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return this->large(a); }
+    static constexpr R harmless = of_degrees<R>::exact_up_to;
     status settle(R a, R &y) const { return this->settle_with(*this, a, y); }
 };
 
@@ -85,7 +85,10 @@ struct tand_function : of_degrees<R> {
     {
         return angular<A>([]<bool Exact>(auto x) { return tangent_of<Exact>(degrees<Exact>(x), x); }, a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return this->large(a) | is_infinite(y); }
+    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const
+    {
+        return (absolute(a) > of_degrees<R>::exact_up_to) | is_infinite(y);
+    }
     status settle(R a, R &y) const
     {
         const status found = this->settle_with(*this, a, y);

@@ -8,8 +8,7 @@
 namespace xkl::kernels {
 inline namespace XKL_ISA {
 
-/// Large results overflow, small ones underflow, both only for arguments beyond a bound. A test of the
-/// argument is done while the base library computes; one of the result would wait for it.
+/// Large results overflow, small ones underflow, both only for arguments beyond a bound.
 template <class R>
 struct exponential {
     status settle(R a, R &y) const
@@ -30,9 +29,10 @@ struct exp_function : exponential<R> {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return A == accuracy::high ? sleef::exp_u10(a) : glibc::exp(a);
+        constexpr bool faster_in_sleef = sizeof(R) == 4 && register_bytes == 64;
+        return A == accuracy::high || faster_in_sleef ? sleef::exp_u10(a) : glibc::exp(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > bound_of_powers<R>(708, 87); }
+    static constexpr R harmless = bound_of_powers<R>(708, 87);
 };
 
 template <class R>
@@ -42,7 +42,7 @@ struct exp2_function : exponential<R> {
     {
         return A == accuracy::high ? sleef::exp2_u10(a) : glibc::exp2(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > bound_of_powers<R>(1022, 126); }
+    static constexpr R harmless = bound_of_powers<R>(1022, 126);
 };
 
 template <class R>
@@ -52,7 +52,7 @@ struct exp10_function : exponential<R> {
     {
         return A == accuracy::high ? sleef::exp10_u10(a) : sleef::exp10_u35(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > bound_of_powers<R>(307, 37); }
+    static constexpr R harmless = bound_of_powers<R>(307, 37);
 };
 
 template <class R>
@@ -67,14 +67,17 @@ struct expm1_function {
         else
             return sleef::expm1_u10(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return a > bound_of_powers<R>(709, 88); }
+    XKL_HOT unsigned suspicious_arguments(vec<R> a) const
+    {
+        return which_are<above>(a, bound_of_powers<R>(709, 88));
+    }
     status settle(R a, R &y) const { return overflow_or_nan(y, a); }
 };
 
 /// Arguments below the pole are outside the domain.
 template <class R, int Pole = 0>
 struct logarithm {
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return a <= Pole; }
+    XKL_HOT unsigned suspicious_arguments(vec<R> a) const { return which_are<at_most>(a, R(Pole)); }
     status settle(R a, R &y) const
     {
         y = a == Pole ? -limits<R>::infinity : limits<R>::nan;
@@ -124,12 +127,14 @@ struct log1p_function : logarithm<R, -1> {
                            4) // the base library's floats of 1 ULP end before the largest arguments
             return in_double([](vec<double> x) { return glibc::log1p(x); }, a);
         else
-            return small_as_they_are(a, sleef::log1p_u10(a), R(0x1p-54));
+            return small_as_they_are(
+                a, [](auto x) { return sleef::log1p_u10(x); }, R(0x1p-54));
     }
     /// The base library's doubles of 1 ULP end before the largest arguments, too.
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const
+    XKL_HOT unsigned suspicious_arguments(vec<R> a) const
     {
-        return (a <= -1) | (a > (sizeof(R) == 8 ? R(0x1p1000) : limits<R>::infinity));
+        return which_are<at_most>(a, R(-1)) |
+               which_are<above>(a, sizeof(R) == 8 ? R(0x1p1000) : limits<R>::infinity);
     }
     status settle(R a, R &y) const
     {

@@ -19,9 +19,13 @@ struct sinh_function {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return A == accuracy::high ? small_as_they_are(a, sleef::sinh_u10(a)) : glibc::sinh(a);
+        return A == accuracy::high ? small_as_they_are(a, [](auto x) { return sleef::sinh_u10(x); })
+                                   : glibc::sinh(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return is_not_finite(y) & ~is_infinite(a); }
+    XKL_HOT unsigned suspicious(vec<R> a, vec<R> y) const
+    {
+        return which_are_of<not_finite>(y) & ~which_are_of<infinities>(a);
+    }
     status settle(R a, R &y) const
     {
         y = static_cast<R>(
@@ -42,7 +46,10 @@ struct cosh_function {
         else
             return sleef::cosh_u10(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R> y) const { return is_not_finite(y) & ~is_infinite(a); }
+    XKL_HOT unsigned suspicious(vec<R> a, vec<R> y) const
+    {
+        return which_are_of<not_finite>(y) & ~which_are_of<infinities>(a);
+    }
     status settle(R a, R &y) const
     {
         y = static_cast<R>(__builtin_coshl(a)); // as sinh
@@ -55,7 +62,11 @@ struct tanh_function {
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        return A == accuracy::high ? small_as_they_are(a, sleef::tanh_u10(a)) : glibc::tanh(a);
+        constexpr bool faster_in_sleef = sizeof(R) == 8 && register_bytes == 64;
+        if constexpr (A == accuracy::high)
+            return small_as_they_are(a, [](auto x) { return sleef::tanh_u10(x); });
+        else
+            return faster_in_sleef ? sleef::tanh_u35(a) : glibc::tanh(a);
     }
 };
 
@@ -69,9 +80,9 @@ struct asinh_function {
         else if constexpr (sizeof(R) == 4)
             return in_double([](vec<double> x) { return glibc::asinh(x); }, a);
         else
-            return small_as_they_are(a, sleef::asinh_u10(a));
+            return small_as_they_are(a, [](auto x) { return sleef::asinh_u10(x); });
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > only_a_logarithm<R>; }
+    static constexpr R harmless = only_a_logarithm<R>;
     status settle(R a, R &y) const
     {
         const long double size = __builtin_logl(__builtin_fabsl(a)) + ln_2;
@@ -92,7 +103,10 @@ struct acosh_function {
         else
             return sleef::acosh_u10(a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return (a < 1) | (a > only_a_logarithm<R>); }
+    XKL_HOT unsigned suspicious_arguments(vec<R> a) const
+    {
+        return which_are<below>(a, R(1)) | which_are<above>(a, only_a_logarithm<R>);
+    }
     status settle(R a, R &y) const
     {
         if (a > 1) {
@@ -114,9 +128,9 @@ struct atanh_function {
         else if constexpr (sizeof(R) == 4)
             return in_double([](vec<double> x) { return glibc::atanh(x); }, a);
         else
-            return small_as_they_are(a, sleef::atanh_u10(a));
+            return small_as_they_are(a, [](auto x) { return sleef::atanh_u10(x); });
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) >= 1; }
+    XKL_HOT unsigned suspicious_arguments(vec<R> a) const { return which_are<at_least>(absolute(a), R(1)); }
     status settle(R a, R &y) const
     {
         const bool pole = a == 1 || a == -1;

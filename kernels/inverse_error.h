@@ -141,7 +141,7 @@ struct erfinv_function {
             },
             a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) >= 1; }
+    XKL_HOT unsigned suspicious_arguments(vec<R> a) const { return which_are<at_least>(absolute(a), R(1)); }
     status settle(R a, R &y) const
     {
         return settle_at_ends([](R x) { return x == 1 || x == -1 ? x : R(0); }, a, y);
@@ -160,7 +160,10 @@ struct erfcinv_function {
             },
             a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return (a <= 0) | (a >= 2); }
+    XKL_HOT unsigned suspicious_arguments(vec<R> a) const
+    {
+        return which_are<at_most>(a, R(0)) | which_are<at_least>(a, R(2));
+    }
     status settle(R a, R &y) const
     {
         return settle_at_ends([](R x) { return x == 0 ? R(1) : x == 2 ? R(-1) : R(0); }, a, y);
@@ -181,7 +184,10 @@ struct cdfnorminv_function {
             },
             a);
     }
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return (a <= 0) | (a >= 1); }
+    XKL_HOT unsigned suspicious_arguments(vec<R> a) const
+    {
+        return which_are<at_most>(a, R(0)) | which_are<at_least>(a, R(1));
+    }
     status settle(R a, R &y) const
     {
         return settle_at_ends([](R x) { return x == 0 ? R(-1) : x == 1 ? R(1) : R(0); }, a, y);

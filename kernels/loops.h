@@ -2,10 +2,15 @@
 //
 // A function is an object F with
 //   value<Accuracy>(pack...)             the results of one pack, no matter what its lanes hold
-// and, if an element can have an error or needs to be put right,
-//   suspicious(pack..., results)         the lanes that may need it: cheap; may name too many, never too few
+// and, if an element can have an error or needs to be put right, one of
+//   harmless                             the largest magnitude of an argument that never does
+//   suspicious_arguments(pack...)        the lanes that may, a bit each: cheap; may name too many, never too few
+//   suspicious(pack..., results)         the same, as a mask, where the arguments alone don't tell
+// and
 //   settle(element..., result &...)      the exact answer for one of them, in the slow path: it may change
 //                                        the result, and returns its status
+// What the arguments tell is asked before the results are computed: these mostly come from a base library,
+// and whatever is kept across its calls costs time. It is asked for a few packs at once, which is cheaper.
 // The last pack of a vector is filled up and goes through the same code, so that an element's result
 // doesn't depend on the length of its vector. Arguments are in registers before results are stored:
 // results may overwrite arguments in place.
@@ -126,13 +131,38 @@ template <class F, class Results, class Y, class... X>
     return y;
 }
 
+template <class F, class... X>
+concept judged_by_arguments = requires(const F f, X... x)
+{
+    f.suspicious_arguments(x...);
+}
+|| requires
+{
+    F::harmless;
+};
+
+/// The lanes whose arguments are suspicious
+template <class F, class X, class... More>
+XKL_HOT unsigned suspicious_lanes(const F &f, X x, More... more)
+{
+    if constexpr (requires { F::harmless; })
+        return which_are<above>(absolute(x), F::harmless);
+    else
+        return f.suspicious_arguments(x, more...);
+}
+
 /// The results of one pack, of which `count` lanes hold elements, put right
 template <accuracy A, class F, class Results, class... X>
 XKL_HOT auto finished(call &c, const F &f, const Results &r, int64_t first, int count, X... x)
 {
     auto y = f.template value<A>(x...);
-    if constexpr (requires { f.suspicious(x..., y); }) {
-        unsigned bits = lane_bits(f.suspicious(x..., y));
+    constexpr bool by_arguments = judged_by_arguments<F, X...>;
+    if constexpr (by_arguments || requires { f.suspicious(x..., y); }) {
+        unsigned bits;
+        if constexpr (by_arguments)
+            bits = suspicious_lanes(f, x...);
+        else
+            bits = lane_bits(f.suspicious(x..., y));
         if (bits) [[unlikely]] {
             bits &= (2u << (count - 1)) - 1;
             y = settle(c, f, r, first, bits, y, x...);
@@ -141,16 +171,56 @@ XKL_HOT auto finished(call &c, const F &f, const Results &r, int64_t first, int 
     return y;
 }
 
+/// Elements i to n - 1, pack by pack
 template <accuracy A, class F, class Results, class T, class... Ts>
-void run(call &c, const F &f, int64_t n, const Results &r, const T *a, const Ts *...others)
+[[gnu::noinline]] void run_packs(call &c, const F &f, int64_t i, int64_t n, const Results &r, const T *a,
+                                 const Ts *...others)
 {
     constexpr int width = lanes<real<T>>;
-    int64_t i = 0;
     for (; i + width <= n; i += width)
         r.put(i, finished<A>(c, f, r, i, width, load(a + i), load(others + i)...));
     if (const int rest = static_cast<int>(n - i))
         r.put_part(i, finished<A>(c, f, r, i, rest, load_part(a + i, rest), load_part(others + i, rest)...),
                    rest);
+}
+
+constexpr int packs_at_once = 4;
+
+/// Whether a lane of the next packs_at_once packs is suspicious
+template <class F, class T, class... Ts>
+XKL_HOT bool any_suspicious(const F &f, const T *a, const Ts *...others)
+{
+    constexpr int width = lanes<real<T>>;
+    static_assert(packs_at_once == 4);
+    if constexpr (requires { F::harmless; })
+        return any_beyond(load(a), load(a + width), F::harmless) |
+               any_beyond(load(a + 2 * width), load(a + 3 * width), F::harmless);
+    else {
+        const auto lanes_of_pack = [&](int k) {
+            return suspicious_lanes(f, load(a + k * width), load(others + k * width)...);
+        };
+        return (lanes_of_pack(0) | lanes_of_pack(1) | lanes_of_pack(2) | lanes_of_pack(3)) != 0;
+    }
+}
+
+template <accuracy A, class F, class Results, class T, class... Ts>
+void run(call &c, const F &f, int64_t n, const Results &r, const T *a, const Ts *...others)
+{
+    int64_t i = 0;
+    if constexpr (judged_by_arguments<F, pack<T>, pack<Ts>...>) {
+        constexpr int width = lanes<real<T>>, step = packs_at_once * width;
+        const Results results = r; // which a base library can't change
+        for (; i + step <= n; i += step) {
+            if (any_suspicious(f, a + i, (others + i)...)) [[unlikely]]
+                run_packs<A>(c, f, i, i + step, results, a, others...);
+            else
+#pragma GCC unroll 4
+                for (int64_t k = i; k < i + step; k += width)
+                    results.put(k, f.template value<A>(load(a + k), load(others + k)...));
+        }
+    }
+    if (i < n)
+        run_packs<A>(c, f, i, n, r, a, others...);
 }
 
 template <class F, class Results, class... Ts>

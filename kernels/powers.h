@@ -34,7 +34,7 @@ struct pow_function {
     {
         return power<A>(a, b);
     }
-    XKL_HOT auto suspicious(V a, V, V y) const { return is_not_finite(y) | (is_tiny(y) & (a != 0)); }
+    XKL_HOT unsigned suspicious(V a, V, V y) const { return abnormal(y, which_are<equal>(a, R(0))); }
     status settle(R a, R b, R &y) const { return settle_power(a, b, y); }
 };
 
@@ -47,7 +47,7 @@ struct powx_function {
     {
         return power<A>(a, broadcast(b));
     }
-    XKL_HOT auto suspicious(V a, V y) const { return is_not_finite(y) | (is_tiny(y) & (a != 0)); }
+    XKL_HOT unsigned suspicious(V a, V y) const { return abnormal(y, which_are<equal>(a, R(0))); }
     status settle(R a, R &y) const { return settle_power(a, b, y); }
 };
 

@@ -56,7 +56,10 @@ struct invsqrt_function {
             return (extended_constant<V>(1, 0) / extended_root(x)).rounded() * factor;
         }
     }
-    XKL_HOT auto suspicious(V a, V) const { return (a <= 0) | is_infinite(a); }
+    XKL_HOT unsigned suspicious_arguments(V a) const
+    {
+        return which_are<at_most>(a, R(0)) | which_are_of<infinities>(a);
+    }
     status settle(R a, R &y) const
     {
         if (infinite(a) && a > 0) {
@@ -83,7 +86,10 @@ struct invcbrt_function {
             return (extended_constant<V>(1, 0) / extended_cube_root(x)).rounded() * factor;
         }
     }
-    XKL_HOT auto suspicious(V a, V) const { return (a == 0) | is_infinite(a); }
+    XKL_HOT unsigned suspicious_arguments(V a) const
+    {
+        return which_are<equal>(a, R(0)) | which_are_of<infinities>(a);
+    }
     status settle(R a, R &y) const
     {
         y = 1 / a;
@@ -113,7 +119,10 @@ struct pow2o3_function {
             return (root * root).rounded() * factor;
         }
     }
-    XKL_HOT auto suspicious(V a, V) const { return (a == 0) | is_infinite(a); }
+    XKL_HOT unsigned suspicious_arguments(V a) const
+    {
+        return which_are<equal>(a, R(0)) | which_are_of<infinities>(a);
+    }
     status settle(R a, R &y) const
     {
         y = a * a; // of zeros and infinities
@@ -136,7 +145,10 @@ struct pow3o2_function {
         else
             return (extended_root(a) * a).rounded();
     }
-    XKL_HOT auto suspicious(V a, V) const { return (a < smallest) | (a > largest_root); }
+    XKL_HOT unsigned suspicious_arguments(V a) const
+    {
+        return which_are<below>(a, smallest) | which_are<above>(a, largest_root);
+    }
     status settle(R a, R &y) const
     {
         y = a == 0 ? R(0) : a < 0 ? limits<R>::nan : static_cast<R>(a * __builtin_sqrtl(a));

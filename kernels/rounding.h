@@ -147,7 +147,7 @@ struct logb_function {
         const V y = biased - (low ? broadcast(R(bias + digits)) : broadcast(R(bias)));
         return magnitude <= limits<R>::largest ? y : magnitude;
     }
-    XKL_HOT auto suspicious(V a, V) const { return a == 0; }
+    XKL_HOT unsigned suspicious_arguments(V a) const { return which_are<equal>(a, R(0)); }
     status settle(R, R &y) const
     {
         y = -limits<R>::infinity;

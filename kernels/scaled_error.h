@@ -61,10 +61,10 @@ struct erfcx_function {
         else
             return of_double<(A == accuracy::high ? 6 : 0)>(a);
     }
-    XKL_HOT auto suspicious(V a, V) const
+    XKL_HOT unsigned suspicious_arguments(V a) const
     {
         constexpr R far = sizeof(R) == 8 ? R(0x1p900) : limits<R>::largest;
-        return (a < (sizeof(R) == 8 ? R(-26.6) : R(-9.3))) | (a > far);
+        return which_are<below>(a, sizeof(R) == 8 ? R(-26.6) : R(-9.3)) | which_are<above>(a, far);
     }
     status settle(R a, R &y) const
     {
@@ -101,7 +101,10 @@ struct cdfnorm_function {
         else
             return of_double<(A == accuracy::high ? 6 : 0)>(a);
     }
-    XKL_HOT auto suspicious(V a, V) const { return a < (sizeof(R) == 8 ? R(-37) : R(-12.9)); }
+    XKL_HOT unsigned suspicious_arguments(V a) const
+    {
+        return which_are<below>(a, sizeof(R) == 8 ? R(-37) : R(-12.9));
+    }
     status settle(R a, R &y) const
     {
         if constexpr (sizeof(R) == 8)

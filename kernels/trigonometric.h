@@ -11,13 +11,12 @@ inline namespace XKL_ISA {
 /// Infinite angles have no direction.
 template <class R>
 struct of_angle {
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return is_infinite(a); }
+    static constexpr R harmless = limits<R>::largest;
     status settle(R, R &y) const
     {
         y = limits<R>::nan;
         return domain_error;
     }
-    XKL_HOT auto suspicious(vec<R> a, const two<vec<R>> &) const { return is_infinite(a); }
     status settle(R, R &first, R &second) const
     {
         first = second = limits<R>::nan;
@@ -69,7 +68,7 @@ struct tan_function : of_angle<R> {
     XKL_HOT vec<R> value(vec<R> a) const
     {
         if constexpr (A == accuracy::high)
-            return small_as_they_are(a, sleef::tan_u10(a));
+            return small_as_they_are(a, [](auto x) { return sleef::tan_u10(x); });
         else
             return low_accuracy(
                 a, R(1e5), [](auto x) { return glibc::tan(x); }, [](auto x) { return sleef::tan_u35(x); });
@@ -145,7 +144,7 @@ struct sincospi_function : of_angle<R> {
 /// No angle has a sine or cosine beyond 1.
 template <class R>
 struct of_sine {
-    XKL_HOT auto suspicious(vec<R> a, vec<R>) const { return absolute(a) > 1; }
+    static constexpr R harmless = 1;
     status settle(R, R &y) const
     {
         y = limits<R>::nan;

@@ -168,6 +168,10 @@ XKL_HOT V nearest(V x)
 }
 
 /// One bit for each lane
+XKL_HOT unsigned lane_bits(unsigned bits)
+{
+    return bits;
+}
 template <class M>
 XKL_HOT unsigned lane_bits(M m)
 {
@@ -220,6 +224,88 @@ template <class V>
 XKL_HOT auto is_tiny(V x)
 {
     return absolute(x) < limits<element<V>>::smallest;
+}
+
+/// How a number is to a bound; no NaN is anything.
+enum relation {
+    equal = _CMP_EQ_OQ,
+    below = _CMP_LT_OQ,
+    at_most = _CMP_LE_OQ,
+    at_least = _CMP_GE_OQ,
+    above = _CMP_GT_OQ
+};
+
+/// One bit for each lane that is so: what lane_bits gives of a comparison, without the mask between, for
+/// which the compiler needs instructions of its own with AVX-512.
+template <relation Is, class V>
+XKL_HOT unsigned which_are(V a, element<V> bound)
+{
+#if defined(__AVX512F__)
+    if constexpr (sizeof bound == 8)
+        return _mm512_cmp_pd_mask(a, broadcast(bound), Is);
+    else
+        return _mm512_cmp_ps_mask(a, broadcast(bound), Is);
+#else
+    if constexpr (Is == equal)
+        return lane_bits(a == bound);
+    else if constexpr (Is == below)
+        return lane_bits(a < bound);
+    else if constexpr (Is == at_most)
+        return lane_bits(a <= bound);
+    else if constexpr (Is == at_least)
+        return lane_bits(a >= bound);
+    else
+        return lane_bits(a > bound);
+#endif
+}
+
+/// Kinds of numbers, as the instruction that tells them apart has them
+enum kind : int { nans = 0x81, zeros = 0x06, infinities = 0x18, denormals = 0x20 };
+constexpr int not_finite = nans | infinities, not_normal = not_finite | zeros | denormals;
+
+/// One bit for each lane that is of one of the kinds: infinities, not_finite or not_normal
+template <int Kinds, class V>
+XKL_HOT unsigned which_are_of(V a)
+{
+#if defined(__AVX512F__)
+    if constexpr (sizeof(element<V>) == 8)
+        return _mm512_fpclass_pd_mask(a, Kinds);
+    else
+        return _mm512_fpclass_ps_mask(a, Kinds);
+#else
+    if constexpr (Kinds == infinities)
+        return lane_bits(is_infinite(a));
+    else if constexpr (Kinds == not_finite)
+        return lane_bits(is_not_finite(a));
+    else
+        return lane_bits(is_not_finite(a) | is_tiny(a));
+#endif
+}
+
+/// Results that are infinite, no number, or tiny, but for the tiny ones of some lanes: those of arguments
+/// that are zeros, say
+template <class V>
+XKL_HOT unsigned abnormal(V y, unsigned lanes_rightly_tiny)
+{
+    const unsigned bits = which_are_of<not_normal>(y);
+    return bits == 0 ? 0 : bits & (which_are_of<not_finite>(y) | ~lanes_rightly_tiny);
+}
+
+/// Whether a lane of a or b has a magnitude beyond a bound. NaN may count as beyond.
+template <class V>
+XKL_HOT bool any_beyond(V a, V b, element<V> bound)
+{
+#if defined(__AVX512F__)
+    // The larger magnitude in one instruction. Of a number and a NaN it gives the number, unless the NaN
+    // signals.
+    constexpr int larger_magnitude = 0b1011;
+    if constexpr (sizeof bound == 8)
+        return _mm512_cmp_pd_mask(_mm512_range_pd(a, b, larger_magnitude), broadcast(bound), _CMP_NLE_UQ);
+    else
+        return _mm512_cmp_ps_mask(_mm512_range_ps(a, b, larger_magnitude), broadcast(bound), _CMP_NLE_UQ);
+#else
+    return any((absolute(a) > bound) | (absolute(b) > bound));
+#endif
 }
 
 /// f of floats as doubles: twice the registers, but a function of 4 ULP then gives floats that are
