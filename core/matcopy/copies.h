@@ -39,10 +39,17 @@ void turn_lines(block<const T> a, block<T> b, size_t lines, size_t length, const
 template <class T>
 void copy_few(bool turned, block<const T> a, block<T> b, size_t lines, size_t length)
 {
+    if (length == 0)
+        return;
     const size_t step = turned ? 1 : b.ld, step_in_line = turned ? b.ld : 1;
-    for (size_t i = 0; i < lines; ++i)
-        for (size_t j = 0; j < length; ++j)
-            b.first[i * step + j * step_in_line] = a.first[i * a.ld + j];
+    for (; lines > 0; --lines, a.first += a.ld, b.first += step) {
+        T *to = b.first;
+        size_t j = 0;
+        do {
+            *to = a.first[j];
+            to += step_in_line;
+        } while (++j < length);
+    }
 }
 
 template <class T>
