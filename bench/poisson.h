@@ -52,7 +52,7 @@ struct poisson {
 
 // The shortest of a few runs.
 template <class Call>
-double seconds_of(const Call &call, int runs = 3)
+double seconds_of(const Call &call, int runs = 5)
 {
     double best = 1e9;
     for (int i = 0; i < runs; ++i) {
