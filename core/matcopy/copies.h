@@ -20,16 +20,18 @@ void move_lines(block<const T> a, block<T> b, size_t lines, size_t length, const
 }
 
 /// Every line of the copy runs across the lines of the source. Blocks that are streamed cover whole pages,
-/// so that few translations of addresses serve one; others fit the second cache with their copy.
+/// so that few translations of addresses serve one, and are longer where their lines have ends within cache
+/// lines; others fit the second cache with their copy.
 template <class T>
 void turn_lines(block<const T> a, block<T> b, size_t lines, size_t length, const factor<T> &by)
 {
     const size_t bytes = lines * length * sizeof(T);
     const writing how = writing_of(bytes);
-    const size_t step = (how == writing::streamed ? 4096 : 1024) / sizeof(T);
+    const bool streamed = how == writing::streamed, whole = b.ld * sizeof(T) % 64 == 0;
+    const size_t step = (streamed ? 4096 : 1024) / sizeof(T), longer = streamed && !whole ? 4 : 1;
     const auto turn = copy_kernels_in_force().of<T>().turn;
-    for_blocks({lines, step, before_cache_line(b.first, b.ld)},
-               {length, step, before_cache_line(a.first, a.ld)}, bytes,
+    for_blocks({lines, step * longer, before_cache_line(b.first, b.ld)},
+               {length, step / longer, before_cache_line(a.first, a.ld)}, bytes,
                [&](size_t i, size_t last_i, size_t j, size_t last_j) {
                    turn(a.at(i, j), b.at(j, i), last_i - i, last_j - j, by, how);
                });

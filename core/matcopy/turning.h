@@ -101,29 +101,59 @@ void turn_tiles(block<const T> a, block<T> b, size_t lines, size_t length, const
     }
 }
 
+/// Writes a part of a line past the caches, but for the elements before its first whole cache line. Those
+/// behind the last one are counted, and written only if the line ends with them.
+template <class T, int bytes>
+[[gnu::always_inline]] inline size_t stream_part(const T *from, T *to, size_t count, bool ends)
+{
+    size_t i = 0;
+    for (; i < count && reinterpret_cast<size_t>(to + i) % 64 != 0; ++i)
+        to[i] = from[i];
+    for (; i + tile<T> <= count; i += tile<T>)
+#pragma GCC unroll 4
+        for (size_t k = i; k < i + tile<T>; k += elements_of<T, bytes>::count) {
+            elements_of<T, bytes> part;
+            part.load(from + k);
+            part.stream(to + k);
+        }
+    const size_t left = count - i;
+    for (; ends && i < count; ++i)
+        to[i] = from[i];
+    return left;
+}
+
 /// Lines that begin anywhere within cache lines can't be streamed tile by tile. They go through a buffer, a
-/// square at a time, so that all but the ends of its lines are whole cache lines again. The square that comes
-/// next is read ahead meanwhile.
+/// chunk of many lines at a time; what fills no cache line waits in front of the next chunk. That chunk's
+/// source is read ahead meanwhile.
 template <class T, int bytes, class Map>
 void stream_through_buffer(block<const T> a, block<T> b, size_t lines, size_t length, const Map &map)
 {
-    constexpr size_t side = 512 / sizeof(T), strip = tile<T>, ld = side + strip;
-    alignas(64) unsigned char space[side * ld * sizeof(T)];
-    T *const buffer = reinterpret_cast<T *>(space);
-    for (size_t j = 0; j < length; j += side)
-        for (size_t i = 0; i < lines; i += side) {
-            const size_t last = i + side < lines ? i + side : lines;
-            const size_t width = j + side < length ? side : length - j;
+    constexpr size_t chunk = 512 / sizeof(T), width = 128, strip = tile<T>, ld = chunk + 2 * strip;
+    alignas(64) unsigned char space[width * ld * sizeof(T)];
+    T *const buffer = reinterpret_cast<T *>(space) + strip;
+    for (size_t j = 0; j < length; j += width) {
+        const size_t count = j + width < length ? width : length - j;
+        size_t waiting[width] = {};
+        for (size_t i = 0; i < lines; i += chunk) {
+            const size_t last = i + chunk < lines ? i + chunk : lines;
             for (size_t k = i; k < last; k += strip) {
-                for (size_t row = 0; row < strip && k + side + row < lines; ++row)
-                    for (size_t place = 0; place < width; place += strip)
-                        __builtin_prefetch(a.first + (k + side + row) * a.ld + j + place, 0, 2);
+                for (size_t row = k + chunk; row < k + chunk + strip && row < lines; ++row)
+                    for (size_t place = 0; place < count; place += strip)
+                        __builtin_prefetch(a.at(row, j + place).first, 0, 2);
                 turn_any<T, bytes>(a.at(k, j), block<T>{buffer + (k - i), ld},
-                                   k + strip < last ? strip : last - k, width, map);
+                                   k + strip < last ? strip : last - k, count, map);
             }
-            for (size_t k = 0; k < width; ++k)
-                move_line<T, bytes, true>(buffer + k * ld, b.at(j + k, i).first, last - i, kept<T>());
+            for (size_t k = 0; k < count; ++k) {
+                T *const line = buffer + k * ld, *const from = line - waiting[k];
+                const size_t part = last - i + waiting[k],
+                             left = stream_part<T, bytes>(from, b.at(j + k, i).first - waiting[k], part,
+                                                          last == lines);
+                for (size_t e = 0; e < left; ++e)
+                    line[e - left] = from[part - left + e];
+                waiting[k] = left;
+            }
         }
+    }
     _mm_sfence();
 }
 
