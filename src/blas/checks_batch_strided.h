@@ -9,29 +9,10 @@
 // empty vector does. Nothing is excused for a batch of one or none.
 #pragma once
 
+#include "blas/bounds.h"
 #include "blas/checks_common.h"
 
 namespace xkl::checks {
-
-/// stride >= max(1, (n-1)*|inc| + 1), without the product: it may be larger than any integer.
-[[gnu::always_inline]] inline bool passes_vector(integer stride, integer n, integer inc)
-{
-    if (*stride < 1)
-        return false;
-    if (*n <= 1)
-        return true;
-    const uint64_t gap = *inc < 0 ? -static_cast<uint64_t>(*inc) : static_cast<uint64_t>(*inc);
-    uint64_t last;
-    return !__builtin_mul_overflow(static_cast<uint64_t>(*n) - 1, gap, &last) &&
-           last < static_cast<uint64_t>(*stride);
-}
-
-/// stride >= max(1, ld*n) for ld and n that passed their tests.
-[[gnu::always_inline]] inline bool passes_matrix(integer stride, integer ld, integer n)
-{
-    int64_t area;
-    return *stride >= 1 && !__builtin_mul_overflow(*ld, *n, &area) && area <= *stride;
-}
 
 /// Neither n nor the increments are tested: ?AXPY takes them as they are. Only what makes the batch is.
 struct axpy_batch_strided {
@@ -41,7 +22,7 @@ struct axpy_batch_strided {
     {
         if (*stridex < 0)
             return 5;
-        if (!passes_vector(stridey, n, incy))
+        if (!passes_vector(*stridey, *n, *incy))
             return 8;
         if (*batch_size < 0)
             return 9;
@@ -57,7 +38,7 @@ struct copy_batch_strided {
     {
         if (*stridex < 0)
             return 4;
-        if (!passes_vector(stridey, n, incy))
+        if (!passes_vector(*stridey, *n, *incy))
             return 7;
         if (*batch_size < 0)
             return 8;
@@ -92,7 +73,7 @@ struct gemm_batch_strided {
             return 12;
         if (!fits(ldc, *m))
             return 15;
-        if (!passes_matrix(stridec, ldc, n))
+        if (!passes_matrix(*stridec, *ldc, *n))
             return 16;
         if (*batch_size < 0)
             return 17;
@@ -122,7 +103,7 @@ struct gemv_batch_strided {
             return 10;
         if (*incy == 0)
             return 13;
-        if (!passes_vector(stridey, Letters::is(trans, 'N') ? m : n, incy))
+        if (!passes_vector(*stridey, Letters::is(trans, 'N') ? *m : *n, *incy))
             return 14;
         if (*batch_size < 0)
             return 15;
@@ -155,7 +136,7 @@ struct trsm_batch_strided {
             return 10;
         if (!fits(ldb, *m))
             return 12;
-        if (!passes_matrix(strideb, ldb, n))
+        if (!passes_matrix(*strideb, *ldb, *n))
             return 13;
         if (*batch_size < 0)
             return 14;
@@ -185,7 +166,7 @@ struct rank_k_batch_strided {
             return 8;
         if (!fits(ldc, *n))
             return 11;
-        if (!passes_matrix(stridec, ldc, n))
+        if (!passes_matrix(*stridec, *ldc, *n))
             return 12;
         if (*batch_size < 0)
             return 13;
@@ -219,7 +200,7 @@ struct dgmm_batch_strided {
             return 9;
         if (!fits(ldc, *m))
             return 11;
-        if (!passes_matrix(stridec, ldc, n))
+        if (!passes_matrix(*stridec, *ldc, *n))
             return 12;
         if (*batch_size < 0)
             return 13;

@@ -1,6 +1,7 @@
 // Tests of the matrix-vector routines.
 #pragma once
 
+#include "blas/bounds.h"
 #include "blas/checks_common.h"
 
 namespace xkl::checks {
@@ -27,12 +28,6 @@ struct gemv {
 };
 
 struct gbmv {
-    /// lda >= kl + ku + 1 for kl, ku >= 0, without the sum: it may be larger than any integer.
-    [[gnu::always_inline]] static bool fits_band(integer lda, integer kl, integer ku)
-    {
-        return *lda > *kl && *lda - *kl > *ku;
-    }
-
     template <class Letters>
     [[gnu::always_inline]] static int64_t first_bad(letter trans, integer m, integer n, integer kl,
                                                     integer ku, any, any, integer lda, any, integer incx,
@@ -48,7 +43,7 @@ struct gbmv {
             return 4;
         if (*ku < 0)
             return 5;
-        if (!fits_band(lda, kl, ku))
+        if (!holds_band(*lda, *kl, *ku))
             return 8;
         if (*incx == 0)
             return 10;
@@ -110,7 +105,7 @@ struct sbmv {
             return 2;
         if (*k < 0)
             return 3;
-        if (*lda <= *k)
+        if (!holds_band(*lda, *k, 0))
             return 6;
         if (*incx == 0)
             return 8;
@@ -237,7 +232,7 @@ struct tbmv {
             return bad;
         if (*k < 0)
             return 5;
-        if (*lda <= *k)
+        if (!holds_band(*lda, *k, 0))
             return 7;
         if (*incx == 0)
             return 9;

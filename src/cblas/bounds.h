@@ -1,6 +1,7 @@
-// Bounds of leading dimensions and strides. Every test is made so that no value of any argument overflows.
+// Bounds of leading dimensions in either layout.
 #pragma once
 
+#include "blas/bounds.h"
 #include "cblas/options.h"
 
 #include <cstdint>
@@ -34,35 +35,6 @@ namespace xkl::cblas {
 [[gnu::always_inline]] inline int64_t side_order(int side, int64_t m, int64_t n)
 {
     return side == CblasLeft ? m : n;
-}
-
-/// lda < kl + ku + 1
-[[gnu::always_inline]] inline bool below_band(int64_t lda, int64_t kl, int64_t ku)
-{
-    return lda <= kl || lda - kl <= ku;
-}
-
-/// An increment without its sign.
-[[gnu::always_inline]] inline uint64_t magnitude(int64_t inc)
-{
-    return inc < 0 ? -static_cast<uint64_t>(inc) : static_cast<uint64_t>(inc);
-}
-
-/// Strides of results: stride < max(1, ld * lines).
-inline bool overlaps_matrix(int64_t stride, int64_t ld, int64_t lines)
-{
-    int64_t area;
-    return stride < 1 || __builtin_mul_overflow(ld, lines, &area) || stride < area;
-}
-
-/// stride < max(1, (n - 1) * |inc| + 1)
-inline bool overlaps_vector(int64_t stride, int64_t n, int64_t inc)
-{
-    if (stride < 1 || n <= 1)
-        return stride < 1;
-    uint64_t last;
-    return __builtin_mul_overflow(static_cast<uint64_t>(n) - 1, magnitude(inc), &last) ||
-           last >= static_cast<uint64_t>(stride);
 }
 
 } // namespace xkl::cblas

@@ -61,16 +61,16 @@ template <class R, class S, class A, class Y>
 void gbmv(int layout, int trans, int64_t m, int64_t n, int64_t kl, int64_t ku, S alpha, const A *a,
           int64_t lda, const A *x, int64_t incx, S beta, Y *y, int64_t incy)
 {
-    if (const int bad = !is_layout(layout)        ? 1
-                        : !is_trans(trans)        ? 2
-                        : m < 0                   ? 3
-                        : n < 0                   ? 4
-                        : kl < 0                  ? 5
-                        : ku < 0                  ? 6
-                        : below_band(lda, kl, ku) ? 9
-                        : incx == 0               ? 11
-                        : incy == 0               ? 14
-                                                  : 0)
+    if (const int bad = !is_layout(layout)         ? 1
+                        : !is_trans(trans)         ? 2
+                        : m < 0                    ? 3
+                        : n < 0                    ? 4
+                        : kl < 0                   ? 5
+                        : ku < 0                   ? 6
+                        : !holds_band(lda, kl, ku) ? 9
+                        : incx == 0                ? 11
+                        : incy == 0                ? 14
+                                                   : 0)
         return cblas_xerbla(R::name, bad);
     if (m == 0 || n == 0 || changes_nothing<R>(alpha, beta))
         return;
@@ -110,14 +110,14 @@ template <class R, class S, class A, class Y>
 void sbmv(int layout, int uplo, int64_t n, int64_t k, S alpha, const A *a, int64_t lda, const A *x,
           int64_t incx, S beta, Y *y, int64_t incy)
 {
-    if (const int bad = !is_layout(layout)      ? 1
-                        : !is_uplo(uplo)        ? 2
-                        : n < 0                 ? 3
-                        : k < 0                 ? 4
-                        : below_band(lda, k, 0) ? 7
-                        : incx == 0             ? 9
-                        : incy == 0             ? 12
-                                                : 0)
+    if (const int bad = !is_layout(layout)       ? 1
+                        : !is_uplo(uplo)         ? 2
+                        : n < 0                  ? 3
+                        : k < 0                  ? 4
+                        : !holds_band(lda, k, 0) ? 7
+                        : incx == 0              ? 9
+                        : incy == 0              ? 12
+                                                 : 0)
         return cblas_xerbla(R::name, bad);
     if (n == 0 || changes_nothing<R>(alpha, beta))
         return;

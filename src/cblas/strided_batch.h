@@ -17,15 +17,15 @@ void gemm_batch_strided(int layout, int transa, int transb, int64_t m, int64_t n
 {
     const bool row = layout == CblasRowMajor;
     const int bad = bad_product(layout, transa, transb, m, n, k);
-    if (const int place = bad                                                    ? bad
-                          : below(lda, least_ld(row, transa, m, k))              ? 9
-                          : stridea < 0                                          ? 10
-                          : below(ldb, least_ld(row, transb, k, n))              ? 12
-                          : strideb < 0                                          ? 13
-                          : below(ldc, line_length(row, m, n))                   ? 16
-                          : overlaps_matrix(stridec, ldc, line_count(row, m, n)) ? 17
-                          : batch_size < 0                                       ? 18
-                                                                                 : 0)
+    if (const int place = bad                                                   ? bad
+                          : below(lda, least_ld(row, transa, m, k))             ? 9
+                          : stridea < 0                                         ? 10
+                          : below(ldb, least_ld(row, transb, k, n))             ? 12
+                          : strideb < 0                                         ? 13
+                          : below(ldc, line_length(row, m, n))                  ? 16
+                          : !passes_matrix(stridec, ldc, line_count(row, m, n)) ? 17
+                          : batch_size < 0                                      ? 18
+                                                                                : 0)
         return cblas_xerbla(R::name, place);
     if (row)
         call_frame<R>(trans_letter(transb), trans_letter(transa), n, m, k, alpha, b, ldb, strideb, a, lda,
@@ -64,18 +64,18 @@ void gemv_batch_strided(int layout, int trans, int64_t m, int64_t n, S alpha, co
                         int64_t incy, int64_t stridey, int64_t batch_size)
 {
     const bool row = layout == CblasRowMajor;
-    if (const int bad = !is_layout(layout)                                              ? 1
-                        : !is_trans(trans)                                              ? 2
-                        : m < 0                                                         ? 3
-                        : n < 0                                                         ? 4
-                        : below(lda, line_length(row, m, n))                            ? 7
-                        : stridea < 0                                                   ? 8
-                        : incx == 0                                                     ? 10
-                        : stridex < 0                                                   ? 11
-                        : incy == 0                                                     ? 14
-                        : overlaps_vector(stridey, trans == CblasNoTrans ? m : n, incy) ? 15
-                        : batch_size < 0                                                ? 16
-                                                                                        : 0)
+    if (const int bad = !is_layout(layout)                                             ? 1
+                        : !is_trans(trans)                                             ? 2
+                        : m < 0                                                        ? 3
+                        : n < 0                                                        ? 4
+                        : below(lda, line_length(row, m, n))                           ? 7
+                        : stridea < 0                                                  ? 8
+                        : incx == 0                                                    ? 10
+                        : stridex < 0                                                  ? 11
+                        : incy == 0                                                    ? 14
+                        : !passes_vector(stridey, trans == CblasNoTrans ? m : n, incy) ? 15
+                        : batch_size < 0                                               ? 16
+                                                                                       : 0)
         return cblas_xerbla(R::name, bad);
     if (m == 0 || n == 0 || changes_nothing<R>(alpha, beta))
         return;
@@ -102,13 +102,13 @@ void trsm_batch_strided(int layout, int side, int uplo, int transa, int diag, in
 {
     const bool row = layout == CblasRowMajor;
     const int bad = bad_sided_triangle(layout, side, uplo, transa, diag, m, n);
-    if (const int place = bad                                                    ? bad
-                          : below(lda, side_order(side, m, n))                   ? 10
-                          : stridea < 0                                          ? 11
-                          : below(ldb, line_length(row, m, n))                   ? 13
-                          : overlaps_matrix(strideb, ldb, line_count(row, m, n)) ? 14
-                          : batch_size < 0                                       ? 15
-                                                                                 : 0)
+    if (const int place = bad                                                   ? bad
+                          : below(lda, side_order(side, m, n))                  ? 10
+                          : stridea < 0                                         ? 11
+                          : below(ldb, line_length(row, m, n))                  ? 13
+                          : !passes_matrix(strideb, ldb, line_count(row, m, n)) ? 14
+                          : batch_size < 0                                      ? 15
+                                                                                : 0)
         return cblas_xerbla(R::name, place);
     call_sided<R>(row, side, uplo, transa, diag, m, n, alpha, a, lda, stridea, b, ldb, strideb, batch_size);
 }
@@ -124,7 +124,7 @@ void syrk_batch_strided(int layout, int uplo, int trans, int64_t n, int64_t k, S
                           : below(lda, least_ld(row, trans, n, k)) ? 8
                           : stridea < 0                            ? 9
                           : below(ldc, n)                          ? 12
-                          : overlaps_matrix(stridec, ldc, n)       ? 13
+                          : !passes_matrix(stridec, ldc, n)        ? 13
                           : batch_size < 0                         ? 14
                                                                    : 0)
         return cblas_xerbla(R::name, place);
@@ -140,18 +140,18 @@ void dgmm_batch_strided(int layout, int side, int64_t m, int64_t n, const A *a, 
                         int64_t stridec, int64_t batch_size)
 {
     const bool row = layout == CblasRowMajor;
-    if (const int bad = !is_side(side)                                         ? 2
-                        : m < 0                                                ? 3
-                        : n < 0                                                ? 4
-                        : !is_layout(layout)                                   ? 1
-                        : below(lda, line_length(row, m, n))                   ? 6
-                        : stridea < 0                                          ? 7
-                        : incx == 0                                            ? 9
-                        : stridex < 0                                          ? 10
-                        : below(ldc, line_length(row, m, n))                   ? 12
-                        : overlaps_matrix(stridec, ldc, line_count(row, m, n)) ? 13
-                        : batch_size < 0                                       ? 14
-                                                                               : 0)
+    if (const int bad = !is_side(side)                                        ? 2
+                        : m < 0                                               ? 3
+                        : n < 0                                               ? 4
+                        : !is_layout(layout)                                  ? 1
+                        : below(lda, line_length(row, m, n))                  ? 6
+                        : stridea < 0                                         ? 7
+                        : incx == 0                                           ? 9
+                        : stridex < 0                                         ? 10
+                        : below(ldc, line_length(row, m, n))                  ? 12
+                        : !passes_matrix(stridec, ldc, line_count(row, m, n)) ? 13
+                        : batch_size < 0                                      ? 14
+                                                                              : 0)
         return cblas_xerbla(R::name, bad);
     call_frame<R>(side_letter(side, row), line_length(row, m, n), line_count(row, m, n), a, lda, stridea, x,
                   incx, stridex, c, ldc, stridec, batch_size);
@@ -162,7 +162,7 @@ template <class R, class S, class X, class Y>
 void axpy_batch_strided(int64_t n, S alpha, const X *x, int64_t incx, int64_t stridex, Y *y, int64_t incy,
                         int64_t stridey, int64_t batch_size)
 {
-    if (const int bad = stridex < 0 ? 5 : overlaps_vector(stridey, n, incy) ? 8 : batch_size < 0 ? 9 : 0)
+    if (const int bad = stridex < 0 ? 5 : !passes_vector(stridey, n, incy) ? 8 : batch_size < 0 ? 9 : 0)
         return cblas_xerbla(R::name, bad);
     call_frame<R>(n, alpha, x, incx, stridex, y, incy, stridey, batch_size);
 }
@@ -171,7 +171,7 @@ template <class R, class X, class Y>
 void copy_batch_strided(int64_t n, const X *x, int64_t incx, int64_t stridex, Y *y, int64_t incy,
                         int64_t stridey, int64_t batch_size)
 {
-    if (const int bad = stridex < 0 ? 4 : overlaps_vector(stridey, n, incy) ? 7 : batch_size < 0 ? 8 : 0)
+    if (const int bad = stridex < 0 ? 4 : !passes_vector(stridey, n, incy) ? 7 : batch_size < 0 ? 8 : 0)
         return cblas_xerbla(R::name, bad);
     call_frame<R>(n, x, incx, stridex, y, incy, stridey, batch_size);
 }

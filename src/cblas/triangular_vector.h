@@ -49,7 +49,7 @@ void tbmv(int layout, int uplo, int trans, int diag, int64_t n, int64_t k, const
           int64_t incx)
 {
     const int bad = bad_triangle(layout, uplo, trans, diag, n);
-    if (const int place = bad ? bad : k < 0 ? 6 : below_band(lda, k, 0) ? 8 : incx == 0 ? 10 : 0)
+    if (const int place = bad ? bad : k < 0 ? 6 : !holds_band(lda, k, 0) ? 8 : incx == 0 ? 10 : 0)
         return cblas_xerbla(R::name, place);
     triangular<R>(layout, uplo, trans, diag, n, vector{x, n, incx}, k, a, lda);
 }

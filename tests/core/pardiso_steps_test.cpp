@@ -1,6 +1,7 @@
 // The other roads to the direct solvers: solution by steps, parts of a solution, diagonals, Schur
 // complements, handles in files, the matrix checker, the cluster form.
 #include "pardiso_problems.h"
+#include "xkl_service.h"
 
 #include <cmath>
 #include <cstring>
@@ -395,6 +396,36 @@ TEST(cluster, one_process)
     const int32_t name = XKL_CLUSTER_EXPORT_PTLUQT_L;
     cluster_sparse_solver_get_csr_size(s.pt, &name, nullptr, nullptr, &communicator, &error);
     EXPECT_EQ(error, XKL_PARDISO_NOT_SUPPORTED);
+}
+
+// The routine of a program that sets one, and defines no link of the chain, holds until it is taken back:
+// solver calls, which install the chain, leave it.
+TEST(pivots, go_to_the_routine_that_was_set)
+{
+    static int asked;
+    asked = 0;
+    const xkl_pivot_handler routine = [](const double *, double *pivot, const double *threshold) {
+        ++asked;
+        *pivot = *threshold;
+        return 1;
+    };
+    matrix<double> a = laplace<double>(5, 2, 0.5);
+    a(0, 0) = 1e-14; // the first pivot of the fixed engine, which goes in the given order
+    solver<double> s(a, -2);
+    s.iparm[20] = 0;
+    s.iparm[4] = 1;
+    for (int64_t i = 0; i < a.n; ++i)
+        s.perm.push_back(i + 1);
+    s.b = random_vector<double>(a.n);
+    EXPECT_EQ(XKL_SET_PARDISO_PIVOT(routine), nullptr);
+    for (const int run : {1, 2}) {
+        ASSERT_EQ(s.run(run == 1 ? 13 : 23), 0);
+        EXPECT_EQ(asked, run);
+    }
+    EXPECT_EQ(XKL_SET_PARDISO_PIVOT(nullptr), routine);
+    ASSERT_EQ(s.run(23), 0);
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(s.iparm[13], 1) << "changed by the library's own";
 }
 
 } // namespace
