@@ -1,6 +1,6 @@
 // ?SYRDB and ?HERDB: A = Q*T*Q**H with a tridiagonal T. Callers name the width of a band to go through on the
-// way, but ask for T and Q alone. With OpenBLAS at orders about 1000 one step takes no longer than two, and with
-// vectors less than half the time: the rotations that clear a band go to Q one by one.
+// way, but ask for T and Q alone. With OpenBLAS at orders about 1000 one step takes no longer than two, and
+// with vectors less than half the time: the rotations that clear a band go to Q one by one.
 #pragma once
 
 #include "batch.h"

@@ -118,6 +118,26 @@ TEST(results, division_of_a_vector_by_a_complex_number)
     EXPECT_EQ(x, before);
 }
 
+TEST(results, triangles_in_single_precision)
+{
+    const int64_t n = 2;
+    double a[] = {1, 2, 3, 4};
+    std::complex<double> z[] = {1, 2, 3, 4};
+    float s[4] = {};
+    std::complex<float> c[4] = {};
+    int64_t info = 77;
+    dlat2s_("L", &n, a, &n, s, &n, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(s[1], 2);
+    a[1] = 1e300;
+    dlat2s_("L", &n, a, &n, s, &n, &info);
+    EXPECT_EQ(info, 1) << "too large";
+    info = 77;
+    zlat2c_("U", &n, z, &n, c, &n, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(c[2], std::complex<float>(3));
+}
+
 // LAPACK takes rows of matrices that end where memory ends.
 TEST(results, dot_products_of_rows_read_nothing_beyond_them)
 {
