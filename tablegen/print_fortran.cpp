@@ -30,10 +30,16 @@ std::string wrapped(const std::string &text)
     return result + line;
 }
 
-/// Routines whose Fortran name is all capitals and takes no underscore.
+/// Routines whose name takes no underscore: those that are all capitals, and those of one spelling.
+bool is_bound(const routine &row)
+{
+    return row.is_reading() || row.spellings == "single";
+}
+
 std::string binding(const routine &row)
 {
-    return row.is_reading() ? " &\n            bind(c, name='" + mixed_body(row) + "')" : "";
+    const std::string name = row.is_reading() ? mixed_body(row) : body_symbol(row);
+    return is_bound(row) ? " &\n            bind(c, name='" + name + "')" : "";
 }
 
 /// Types that the interfaces of a module name.
@@ -91,9 +97,7 @@ void print_interface(std::ostream &out, const routine &row)
 {
     const bool function = is_fortran_function(row);
     const std::string kind = function ? "function" : "subroutine";
-    const auto typed = [&](const std::string &type) {
-        return row.is_reading() ? interoperable(type) : type;
-    };
+    const auto typed = [&](const std::string &type) { return is_bound(row) ? interoperable(type) : type; };
     std::vector<argument> arguments = row.arguments;
     std::erase_if(arguments, is_hidden);
     if (!row.about.empty())
@@ -101,9 +105,12 @@ void print_interface(std::ostream &out, const routine &row)
     out << "    " << wrapped(kind + " " + row.lower() + "(" + argument_names(arguments) + ")")
         << binding(row) << "\n";
     std::string shape;
-    if (row.is_reading() || std::any_of(arguments.begin(), arguments.end(), [&](const argument &each) {
-            return needs_import(fortran_declaration(each, row.element, shape));
-        }))
+    const auto has_derived_type = [&](const argument &each) {
+        return needs_import(fortran_declaration(each, row.element, shape));
+    };
+    if (row.spellings == "single")
+        out << "      use, intrinsic :: iso_c_binding\n";
+    else if (row.is_reading() || std::any_of(arguments.begin(), arguments.end(), has_derived_type))
         out << "      import\n";
     for (const argument &each : arguments) {
         const std::string declaration = fortran_declaration(each, row.element, shape);

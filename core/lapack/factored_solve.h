@@ -1,4 +1,4 @@
-// Least squares and minimum-norm solutions from a factorization that is there already.
+// Solutions from a factorization that is there already: of square systems, of least squares, of minimum norm.
 #pragma once
 
 #include "arguments.h"
@@ -6,6 +6,42 @@
 #include "call.h"
 
 namespace xkl::core {
+
+template <class T>
+using getrs_routine = void(const char *trans, const int64_t *n, const int64_t *nrhs, T *a,
+                           const int64_t *lda, int64_t *ipiv, T *b, const int64_t *ldb, int64_t *info,
+                           int64_t);
+extern "C" {
+getrs_routine<float> sgetrs_;
+getrs_routine<double> dgetrs_;
+getrs_routine<complex8> cgetrs_;
+getrs_routine<complex16> zgetrs_;
+}
+template <class T>
+inline constexpr decltype(nullptr) openblas_getrs{};
+template <>
+inline constexpr auto *openblas_getrs<float> = sgetrs_;
+template <>
+inline constexpr auto *openblas_getrs<double> = dgetrs_;
+template <>
+inline constexpr auto *openblas_getrs<complex8> = cgetrs_;
+template <>
+inline constexpr auto *openblas_getrs<complex16> = zgetrs_;
+
+/// Solves op(A)*X = B with the factors of ?GETRF. OpenBLAS reports bad arguments of this routine and leaves
+/// info as it was, so they are looked for here.
+template <class T>
+void getrs(const char *trans, const int64_t *n, const int64_t *nrhs, T *a, const int64_t *lda,
+           int64_t *ipiv, T *b, const int64_t *ldb, int64_t *info)
+{
+    *info = refuse<T>("?GETRS", {{!is_one_of(*trans, "NTC"), 1},
+                                 {*n < 0, 2},
+                                 {*nrhs < 0, 3},
+                                 {*lda < std::max<int64_t>(1, *n), 5},
+                                 {*ldb < std::max<int64_t>(1, *n), 8}});
+    if (*info == 0)
+        on_openblas(openblas_getrs<T>, trans, n, nrhs, a, lda, ipiv, b, ldb, info, 1);
+}
 
 /// Minimizes ||A*X - B||, A = Q*R as ?GEQRF leaves it.
 template <class T>

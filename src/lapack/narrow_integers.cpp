@@ -1,5 +1,6 @@
 // The tridiagonal solvers for callers with 32-bit integers. Sizes are widened; the arrays go on as they are;
 // info comes back in the caller's 32 bits and touches nothing beside them.
+#include "frame/registration.h"
 #include "lapack_frames.h"
 
 namespace {
@@ -23,13 +24,15 @@ void narrow_factor(const int32_t *n, Real *dl, Real *d, Real *du, int32_t *info)
     *info = static_cast<int32_t>(wide_info);
 }
 
-/// Straight to the core: solving with factors is neither checked nor traced for these callers.
+/// Straight to the core: solving with factors is neither checked nor traced for these callers. They hear of
+/// what the core finds all the same, even if this is the first call of the process.
 template <auto &core_solve, class Real>
 void narrow_back_solve(const char *trans, const int32_t *n, const int32_t *nrhs, const Real *dl,
                        const Real *d, const Real *du, Real *b, const int32_t *ldb, int32_t *info)
 {
     const int64_t wide_n = *n, wide_nrhs = *nrhs, wide_ldb = *ldb;
     int64_t wide_info = 0;
+    xkl::register_reporter();
     core_solve(trans, &wide_n, &wide_nrhs, dl, d, du, b, &wide_ldb, &wide_info, 1);
     *info = static_cast<int32_t>(wide_info);
 }

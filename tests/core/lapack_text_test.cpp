@@ -118,6 +118,26 @@ TEST(results, division_of_a_vector_by_a_complex_number)
     EXPECT_EQ(x, before);
 }
 
+TEST(results, triangles_in_single_precision)
+{
+    const int64_t n = 2;
+    double a[] = {1, 2, 3, 4};
+    std::complex<double> z[] = {1, 2, 3, 4};
+    float s[4] = {};
+    std::complex<float> c[4] = {};
+    int64_t info = 77;
+    dlat2s_("L", &n, a, &n, s, &n, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(s[1], 2);
+    a[1] = 1e300;
+    dlat2s_("L", &n, a, &n, s, &n, &info);
+    EXPECT_EQ(info, 1) << "too large";
+    info = 77;
+    zlat2c_("U", &n, z, &n, c, &n, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(c[2], std::complex<float>(3));
+}
+
 // LAPACK takes rows of matrices that end where memory ends.
 TEST(results, dot_products_of_rows_read_nothing_beyond_them)
 {
@@ -185,6 +205,37 @@ TEST_F(reports, too_little_work_space)
     EXPECT_EQ(info, -13);
     EXPECT_EQ(name, "DGESVD");
     EXPECT_EQ(position, 13);
+}
+
+TEST_F(reports, of_solving_with_factors_are_in_info_too)
+{
+    struct bad_call {
+        int64_t position;
+        char trans;
+        int64_t n, nrhs, lda, ldb;
+    };
+    std::complex<double> z[4] = {};
+    float s[4] = {};
+    int64_t ipiv[2] = {1, 2};
+    for (const bad_call &each : {bad_call{1, 'R', -1, 1, 2, 2},
+                                 {2, 't', -1, -1, 2, 2},
+                                 {3, 'c', 2, -1, 1, 2},
+                                 {5, 'N', 2, 1, 1, 1},
+                                 {8, 'N', 2, 1, 2, 1},
+                                 {5, 'N', 0, 0, 0, 1},
+                                 {0, 'N', 0, 0, 1, 1}}) {
+        SCOPED_TRACE(each.position);
+        int64_t info = 77;
+        forget();
+        zgetrs_(&each.trans, &each.n, &each.nrhs, z, &each.lda, ipiv, z, &each.ldb, &info);
+        EXPECT_EQ(info, -each.position);
+        EXPECT_EQ(name, each.position ? "ZGETRS" : "");
+        info = 77;
+        forget();
+        sgetrs_(&each.trans, &each.n, &each.nrhs, s, &each.lda, ipiv, s, &each.ldb, &info);
+        EXPECT_EQ(info, -each.position);
+        EXPECT_EQ(position, each.position);
+    }
 }
 
 TEST_F(reports, names_of_all_lengths)

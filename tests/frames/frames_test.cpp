@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -306,6 +307,41 @@ TEST(trace, flag_is_fetched_once_and_then_read_live)
     EXPECT_EQ(recorded.lines.size(), 2u);
     for (const std::string &step : recorded.order)
         EXPECT_NE(step, "verbose_mode");
+}
+
+/// The tridiagonal solvers' forms for callers with 32-bit integers, which no row's frame stands for.
+TEST(narrow, sizes_arrive_widened_and_info_comes_back_alone)
+{
+    for (const std::string name : {"sdtsvb", "ddtsvb", "sdttrfb", "ddttrfb", "sdttrsb", "ddttrsb"}) {
+        SCOPED_TRACE(name);
+        std::string upper = name;
+        std::transform(upper.begin(), upper.end(), upper.begin(), ::toupper);
+        const routine_row &row = row_of(upper);
+        const arguments_of wide(row);
+        const std::size_t count = wide.names.size();
+        std::vector<std::array<int32_t, 2>> narrow(count, {3, -1}); // what lies beside a size is not read
+        words addresses = wide.addresses();
+        for (std::size_t i = 0; i < count; ++i)
+            if (wide.kinds[i] == "i" || wide.kinds[i] == "info")
+                addresses[i] = reinterpret_cast<int64_t>(narrow[i].data());
+        reset();
+        recorded.verbose = 1;
+        recorded.on_call = [&](const core_call &call) {
+            for (std::size_t i = 0; i < count; ++i)
+                if (wide.kinds[i] == "i") {
+                    EXPECT_EQ(*reinterpret_cast<int64_t *>(call.arguments[i]), 3);
+                } else if (wide.kinds[i] != "info") {
+                    EXPECT_EQ(call.arguments[i], addresses[i]);
+                }
+            *reinterpret_cast<int64_t *>(call.arguments[count - 1]) = 17;
+        };
+        call_integer(exported(name + "_4dfl"), addresses);
+        ASSERT_EQ(recorded.calls.size(), 1u);
+        EXPECT_EQ(recorded.calls[0].entry, row.core_entry);
+        EXPECT_EQ(registered_handler(), &cdecl_xerbla) << "the program hears of what the core finds";
+        EXPECT_TRUE(recorded.lines.empty()) << "none of them leaves a trace line";
+        EXPECT_EQ(narrow[count - 1], (std::array<int32_t, 2>{17, -1}));
+    }
 }
 
 } // namespace
