@@ -33,7 +33,7 @@ typedef void *VSLCorrTaskPtr;
 #define VSL_BRNG_DABSTRACT 0x00b00000     /* or floats: vslGetStreamStateBrng gives these three, */
 #define VSL_BRNG_SABSTRACT 0x00c00000     /* and vslNewStream refuses them */
 #define VSL_BRNG_SFMT19937 0x00d00000     /* Mersenne twister made for vector units */
-#define VSL_BRNG_NONDETERM 0x00e00000     /* the processor's own noise: never the same */
+#define VSL_BRNG_NONDETERM 0x00e00000     /* the system's pool of noise: never the same */
 #define VSL_BRNG_ARS5 0x00f00000          /* counter-based, five rounds of AES */
 #define VSL_BRNG_PHILOX4X32X10 0x01000000 /* counter-based, ten rounds */
 
@@ -107,19 +107,19 @@ typedef void *VSLCorrTaskPtr;
 #define VSL_STATUS_OK 0
 #define VSL_ERROR_OK 0
 #define VSL_ERROR_FEATURE_NOT_IMPLEMENTED (-1) /* the library does not do this for these arguments */
-#define VSL_ERROR_UNKNOWN (-2)                 /* none of the others; not used by this library */
+#define VSL_ERROR_UNKNOWN (-2)                 /* a distribution refused 100,000 numbers in a row */
 #define VSL_ERROR_BADARGS (-3)                 /* an argument is out of its range, or a null array */
 #define VSL_ERROR_MEM_FAILURE (-4)             /* no memory */
 #define VSL_ERROR_NULL_PTR (-5)                /* the stream, or the address of one, is null */
-#define VSL_ERROR_CPU_NOT_SUPPORTED (-6)       /* the kernel library does not run on this processor */
+#define VSL_ERROR_CPU_NOT_SUPPORTED (-6)       /* not used by this library */
 
 /* Streams */
 #define VSL_RNG_ERROR_INVALID_BRNG_INDEX (-1000)      /* no generator has this identifier */
 #define VSL_RNG_ERROR_LEAPFROG_UNSUPPORTED (-1002)    /* the generator has no leapfrog */
 #define VSL_RNG_ERROR_SKIPAHEAD_UNSUPPORTED (-1003)   /* the generator can't skip numbers */
-#define VSL_RNG_ERROR_SKIPAHEADEX_UNSUPPORTED (-1004) /* the generator can't skip so many numbers */
-#define VSL_RNG_ERROR_BRNGS_INCOMPATIBLE (-1005)      /* vslCopyStreamState: streams of two generators */
-#define VSL_RNG_ERROR_BAD_STREAM (-1006)              /* not a stream, or one that was deleted */
+#define VSL_RNG_ERROR_SKIPAHEADEX_UNSUPPORTED (-1004) /* it can't, or not so many as that */
+#define VSL_RNG_ERROR_BRNGS_INCOMPATIBLE (-1005) /* vslCopyStreamState: generators or dimensions differ */
+#define VSL_RNG_ERROR_BAD_STREAM (-1006)         /* not a stream, or one that was deleted */
 #define VSL_RNG_ERROR_BRNG_TABLE_FULL (-1007) /* vslRegisterBrng: VSL_MAX_REG_BRNGS generators are known */
 #define VSL_RNG_ERROR_BAD_STREAM_STATE_SIZE (-1008) /* vslRegisterBrng: StreamStateSize is too small */
 #define VSL_RNG_ERROR_BAD_WORD_SIZE (-1009)         /* vslRegisterBrng: WordSize is not 4, 8 or 16 */
@@ -129,13 +129,12 @@ typedef void *VSLCorrTaskPtr;
 #define VSL_RNG_ERROR_LEAPFROG_NSTREAMS_TOO_BIG                                                            \
     (-1013)                                      /* more streams than the generator can be split into */
 #define VSL_RNG_ERROR_BRNG_NOT_SUPPORTED (-1014) /* this library does not have the generator */
-#define VSL_RNG_ERROR_BAD_UPDATE (-1120) /* an abstract stream's callback gave more numbers than wanted */
+#define VSL_RNG_ERROR_BAD_UPDATE (-1120) /* an abstract stream's callback returned a count out of range */
 #define VSL_RNG_ERROR_NO_NUMBERS (-1121) /* an abstract stream's callback gave no number */
-#define VSL_RNG_ERROR_INVALID_ABSTRACT_STREAM (-1122) /* an abstract stream can't do this */
-#define VSL_RNG_ERROR_NONDETERM_NOT_SUPPORTED (-1130) /* this processor makes no noise */
-#define VSL_RNG_ERROR_NONDETERM_NRETRIES_EXCEEDED                                                          \
-    (-1131)                                      /* the processor had no noise ready, again and again */
-#define VSL_RNG_ERROR_ARS5_NOT_SUPPORTED (-1140) /* this processor has no AES instructions */
+#define VSL_RNG_ERROR_INVALID_ABSTRACT_STREAM (-1122)     /* an abstract stream can't do this */
+#define VSL_RNG_ERROR_NONDETERM_NOT_SUPPORTED (-1130)     /* this system gives no noise */
+#define VSL_RNG_ERROR_NONDETERM_NRETRIES_EXCEEDED (-1131) /* it was interrupted again and again */
+#define VSL_RNG_ERROR_ARS5_NOT_SUPPORTED (-1140)          /* this processor has no AES instructions */
 #define VSL_DISTR_MULTINOMIAL_BAD_PROBABILITY_ARRAY                                                        \
     (-1150) /* negative probabilities, or their sum is not 1 */
 
@@ -150,37 +149,37 @@ typedef void *VSLCorrTaskPtr;
 
 /* Convolution and correlation */
 #define VSL_CC_STATUS_OK 0
-#define VSL_CC_ERROR_NOT_IMPLEMENTED (-2000)    /* the library does not do this */
+#define VSL_CC_ERROR_NOT_IMPLEMENTED (-2000)    /* not used by this library */
 #define VSL_CC_ERROR_ALLOCATION_FAILURE (-2001) /* no memory */
-#define VSL_CC_ERROR_BAD_DESCRIPTOR (-2200)     /* not a task, or one that was deleted */
+#define VSL_CC_ERROR_BAD_DESCRIPTOR (-2200)     /* the task is null, was deleted, or is something else */
 #define VSL_CC_ERROR_SERVICE_FAILURE (-2210)    /* a transform failed */
-#define VSL_CC_ERROR_EDIT_FAILURE (-2211)       /* a task's value can't be set */
-#define VSL_CC_ERROR_EDIT_PROHIBITED (-2212)    /* a task made with x can't be changed any more */
-#define VSL_CC_ERROR_COMMIT_FAILURE (-2220) /* a task can't be made ready: its values do not go together */
-#define VSL_CC_ERROR_COPY_FAILURE (-2230)   /* a task can't be copied */
-#define VSL_CC_ERROR_DELETE_FAILURE (-2240) /* a task can't be deleted */
-#define VSL_CC_ERROR_BAD_ARGUMENT (-2300)   /* a wrong argument that has no number of its own below */
-#define VSL_CC_ERROR_JOB (-2100)            /* wrong routine for the task: ExecX without x, Exec with one */
-#define VSL_CC_ERROR_KIND (-2110)       /* a correlation routine with a convolution task, or the reverse */
+#define VSL_CC_ERROR_EDIT_FAILURE (-2211)       /* not used by this library */
+#define VSL_CC_ERROR_EDIT_PROHIBITED (-2212)    /* not used by this library */
+#define VSL_CC_ERROR_COMMIT_FAILURE (-2220)     /* not used by this library */
+#define VSL_CC_ERROR_COPY_FAILURE (-2230)       /* not used by this library */
+#define VSL_CC_ERROR_DELETE_FAILURE (-2240)     /* not used by this library */
+#define VSL_CC_ERROR_BAD_ARGUMENT (-2300)       /* the address for a new task is null */
+#define VSL_CC_ERROR_JOB (-2100)        /* wrong routine for the task: ExecX without x, Exec with one */
+#define VSL_CC_ERROR_KIND (-2110)       /* from the core's entries alone: neither kind */
 #define VSL_CC_ERROR_MODE (-2120)       /* mode is none of VSL_CONV_MODE_AUTO, _DIRECT, _FFT */
-#define VSL_CC_ERROR_TYPE (-2130)       /* the routine's type is not the task's */
+#define VSL_CC_ERROR_TYPE (-2130)       /* from the core's entries alone: neither real nor complex */
 #define VSL_CC_ERROR_DIMS (-2301)       /* dims is not 1 to VSL_CONV_MAX_DIMS */
-#define VSL_CC_ERROR_START (-2302)      /* start is negative or beyond the full result */
-#define VSL_CC_ERROR_DECIMATION (-2303) /* decimation is 0 or negative */
-#define VSL_CC_ERROR_XSHAPE (-2304)     /* xshape is null or has an element below 1 */
-#define VSL_CC_ERROR_YSHAPE (-2305)     /* yshape likewise */
-#define VSL_CC_ERROR_ZSHAPE (-2306)     /* zshape likewise */
-#define VSL_CC_ERROR_XSTRIDE (-2307) /* xstride is null (of one dimension: 0), or elements would coincide */
+#define VSL_CC_ERROR_START (-2302)      /* start is null */
+#define VSL_CC_ERROR_DECIMATION (-2303) /* decimation is null or has an element below 1 */
+#define VSL_CC_ERROR_XSHAPE (-2304) /* xshape is null, has an element below 1, or is too large to address */
+#define VSL_CC_ERROR_YSHAPE (-2305) /* yshape likewise */
+#define VSL_CC_ERROR_ZSHAPE (-2306) /* zshape likewise */
+#define VSL_CC_ERROR_XSTRIDE (-2307) /* xstride is null, has an element 0, or reaches too far to address */
 #define VSL_CC_ERROR_YSTRIDE (-2308) /* ystride likewise */
 #define VSL_CC_ERROR_ZSTRIDE (-2309) /* zstride likewise */
 #define VSL_CC_ERROR_X (-2310)       /* x is null */
 #define VSL_CC_ERROR_Y (-2311)       /* y is null */
 #define VSL_CC_ERROR_Z (-2312)       /* z is null */
 #define VSL_CC_ERROR_EXTERNAL_PRECISION                                                                    \
-    (-2400) /* the arrays' precision does not go with the internal one */
+    (-2400) /* from the core's entries alone: neither single nor double */
 #define VSL_CC_ERROR_INTERNAL_PRECISION (-2401) /* the internal precision is neither single nor double */
-#define VSL_CC_ERROR_METHOD (-2402)             /* the mode can't be used with this task */
-#define VSL_CC_ERROR_OTHER (-2800)              /* none of the others */
+#define VSL_CC_ERROR_METHOD (-2402) /* VSL_CONV_MODE_FFT without the core's module of transforms */
+#define VSL_CC_ERROR_OTHER (-2800)  /* not used by this library */
 
 #define VSL_CONV_MAX_DIMS 7 /* dimensions of a task's arrays, at most */
 

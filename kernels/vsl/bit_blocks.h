@@ -13,6 +13,14 @@
 
 namespace xkl::vsl {
 
+/// The start of the Mersenne twisters: `size` words from one seed
+inline void fill_from_word(uint32_t *x, uint32_t size, uint32_t seed) noexcept
+{
+    x[0] = seed;
+    for (uint32_t i = 1; i < size; ++i)
+        x[i] = 1812433253u * (x[i - 1] ^ (x[i - 1] >> 30)) + i;
+}
+
 /// `Block` says how a block of Block::size words is seeded, renewed and read; a step of its recurrence is
 /// Block::stride words, and Block::modulus() its polynomial.
 template <class Block>
@@ -31,18 +39,14 @@ struct bit_blocks {
 
     int32_t generate(int32_t n, uint32_t *r) noexcept
     {
-        while (n > 0) {
-            if (used == Block::size) {
-                Block::refill(block);
-                used = 0;
-            }
-            const int32_t count = std::min(n, Block::size - used);
-            Block::read(count, block + used, r);
-            used += count;
-            r += count;
-            n -= count;
-        }
+        give_out(n, r, Block::read);
         return VSL_STATUS_OK;
+    }
+
+    /// The next n words as the recurrence has them
+    void copy_raw(int32_t n, uint32_t *r) noexcept
+    {
+        give_out(n, r, [](int32_t count, const uint32_t *x, uint32_t *to) { std::copy_n(x, count, to); });
     }
 
     int32_t skip(step_count count) noexcept
@@ -62,6 +66,23 @@ struct bit_blocks {
     bool plausible(size_t) const noexcept { return used >= 0 && used <= Block::size; }
 
   private:
+    /// read(count, x, r) for the next n words, as many of a block at a time as it has left
+    template <class Read>
+    void give_out(int32_t n, uint32_t *r, const Read &read) noexcept
+    {
+        while (n > 0) {
+            if (used == Block::size) {
+                Block::refill(block);
+                used = 0;
+            }
+            const int32_t count = std::min(n, Block::size - used);
+            read(count, block + used, r);
+            used += count;
+            r += count;
+            n -= count;
+        }
+    }
+
     /// Sums need words that follow the recurrence in all of their bits, as those that are still to come do.
     int32_t jump(step_count count) noexcept
     {
@@ -78,23 +99,6 @@ struct bit_blocks {
         sum_of_shifts<Block::size>(g, Block::stride, words.get(), block);
         used = within + static_cast<int32_t>(word_of(count, 0) % Block::stride);
         return VSL_STATUS_OK;
-    }
-
-  public:
-    /// The next n words as the recurrence has them
-    void copy_raw(int32_t n, uint32_t *r) noexcept
-    {
-        while (n > 0) {
-            if (used == Block::size) {
-                Block::refill(block);
-                used = 0;
-            }
-            const int32_t count = std::min(n, Block::size - used);
-            std::copy_n(block + used, count, r);
-            used += count;
-            r += count;
-            n -= count;
-        }
     }
 };
 

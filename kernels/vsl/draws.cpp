@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace xkl::vsl {
@@ -169,6 +170,19 @@ int32_t uniform_in(stream &s, int32_t n, R *r, R a, R b) noexcept
     return status;
 }
 
+/// A caller's array of 32-bit words may begin where longer words must not.
+int32_t bits_of_basic(const engine &row, stream &s, int32_t n, uint32_t *r) noexcept
+{
+    if (row.sequence.word_bytes == 4 || reinterpret_cast<uintptr_t>(r) % alignof(uint64_t) == 0)
+        return row.generate(state_of(s), n, r);
+    return by_blocks<uint64_t>(
+        n, [&](int32_t count, uint64_t *words) { return row.generate(state_of(s), count, words); },
+        [&](int32_t count, const uint64_t *words) {
+            std::memcpy(r, words, static_cast<size_t>(count) * sizeof *words);
+            r += 2 * static_cast<ptrdiff_t>(count);
+        });
+}
+
 /// Elements with as many random bits as their words have
 bool has_uniform_bits(const stream &s) noexcept
 {
@@ -213,7 +227,7 @@ int32_t native_bits(stream &s, int32_t n, uint32_t *r) noexcept
     if (n <= 0)
         return VSL_STATUS_OK;
     if (const engine *const row = basic_generator(s.brng))
-        return row->generate(state_of(s), n, r);
+        return bits_of_basic(*row, s, n, r);
     if (const VSLBRngProperties *const generator = registered_generator(s.brng))
         return generator->iBRng(&s, n, r);
     return s.brng == VSL_BRNG_IABSTRACT ? take(s, n, r) : VSL_ERROR_FEATURE_NOT_IMPLEMENTED;

@@ -12,20 +12,13 @@ namespace {
 struct mt19937 {
     static constexpr int32_t size = 624, stride = 1;
 
-    static void seed_by_word(uint32_t *x, uint32_t seed) noexcept
-    {
-        x[0] = seed;
-        for (uint32_t i = 1; i < size; ++i)
-            x[i] = 1812433253u * (x[i - 1] ^ (x[i - 1] >> 30)) + i;
-    }
-
     static void seed(uint32_t *x, seed_words seeds) noexcept
     {
         if (seeds.size() < 2) {
-            seed_by_word(x, seed_word(seeds, 0));
+            fill_from_word(x, size, seed_word(seeds, 0));
             return;
         }
-        seed_by_word(x, 19650218);
+        fill_from_word(x, size, 19650218);
         int32_t i = 1;
         const auto mixed = [&](uint32_t factor) { return x[i] ^ ((x[i - 1] ^ (x[i - 1] >> 30)) * factor); };
         const auto next = [&] {

@@ -13,13 +13,6 @@ namespace {
 struct sfmt19937 {
     static constexpr int32_t size = 624, stride = 4;
 
-    static void seed_by_word(uint32_t *x, uint32_t seed) noexcept
-    {
-        x[0] = seed;
-        for (uint32_t i = 1; i < size; ++i)
-            x[i] = 1812433253u * (x[i - 1] ^ (x[i - 1] >> 30)) + i;
-    }
-
     static void seed_by_array(uint32_t *x, seed_words seeds) noexcept
     {
         constexpr int32_t lag = 11, middle = (size - lag) / 2;
@@ -59,7 +52,7 @@ struct sfmt19937 {
     static void seed(uint32_t *x, seed_words seeds) noexcept
     {
         if (seeds.size() < 2)
-            seed_by_word(x, seed_word(seeds, 0));
+            fill_from_word(x, size, seed_word(seeds, 0));
         else
             seed_by_array(x, seeds);
         certify_period(x);

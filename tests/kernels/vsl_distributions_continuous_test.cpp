@@ -291,4 +291,19 @@ TEST(Continuous, ExtremeShapes)
         ASSERT_EQ(r, 1);
 }
 
+// With two small shapes nearly all results are at one end or the other, in the ratio of the shapes.
+TEST(Continuous, SmallShapesOfBeta)
+{
+    const double shapes[][2] = {{1e-2, 1e-2},  {1e-3, 1e-3},     {1e-3, 4e-3},    {4e-5, 1e-5},
+                                {1e-5, 1e-12}, {1e-300, 3e-300}, {3e-310, 1e-310}};
+    for (int set = 0; set <= newest_set && limit_set(set) == set; ++set)
+        for (const auto &[p, q] : shapes) {
+            stream s;
+            const std::vector<double> r = drawn(with<double>("Beta", 0, p, q, 0., 1.), s, 20000);
+            const auto at_one = std::ranges::count_if(r, [](double x) { return x > .5; });
+            EXPECT_NEAR(static_cast<double>(at_one) / 20000, p / (p + q), .016) << p << ' ' << q;
+        }
+    limit_set(newest_set);
+}
+
 } // namespace

@@ -3,6 +3,7 @@
 #include "vsl_distributions.h"
 
 #include <limits>
+#include <span>
 
 namespace {
 
@@ -290,6 +291,12 @@ TEST(DistributionRules, BitsAreTheGeneratorsOwn)
     EXPECT_EQ(words, bits); // MT19937's are uniform
     for (size_t i = 0; i < 4; ++i)
         EXPECT_EQ(pairs[i], words[2 * i] | static_cast<uint64_t>(words[2 * i + 1]) << 32);
+    // Words of 64 bits, also from where they must not begin
+    std::vector<uint32_t> first(2 * 3000), second(first.size() + 1);
+    stream long_words(VSL_BRNG_MCG59), same(VSL_BRNG_MCG59);
+    EXPECT_EQ(native(0, long_words, 3000, first.data()), VSL_STATUS_OK);
+    EXPECT_EQ(native(0, same, 3000, second.data() + 1), VSL_STATUS_OK);
+    EXPECT_TRUE(std::ranges::equal(first, std::span(second).subspan(1)));
     const std::vector<double> numbers(64, .5);
     stream of_reals(numbers);
     EXPECT_EQ(kernel32(0, of_reals, 8, bits.data()), VSL_ERROR_FEATURE_NOT_IMPLEMENTED);

@@ -47,16 +47,21 @@ int32_t in_blocks(int64_t n, Step step)
 
 /// transform(count, r, r, parameters...) of uniform numbers in (0, 1), one each
 template <class R, class Transform, class... P>
-int32_t by_inversion(void *handle, int64_t n, R *r, Transform transform, P... parameters)
+int32_t inverted(stream &s, int64_t n, R *r, Transform transform, P... parameters)
 {
-    return on_stream(handle, [&](stream &s) {
-        return in_blocks(n, [&](int64_t first, int32_t count) {
-            const int32_t status = open_uniform(s, count, r + first);
-            if (status >= 0)
-                transform(count, r + first, r + first, parameters...);
-            return status;
-        });
+    return in_blocks(n, [&](int64_t first, int32_t count) {
+        const int32_t status = open_uniform(s, count, r + first);
+        if (status >= 0)
+            transform(count, r + first, r + first, parameters...);
+        return status;
     });
+}
+
+/// The same, of a kernel's stream
+template <class R, class... Rest>
+int32_t by_inversion(void *handle, int64_t n, R *r, Rest... rest)
+{
+    return on_stream(handle, [&](stream &s) { return inverted(s, n, r, rest...); });
 }
 
 /// For parameters that are none

@@ -56,16 +56,20 @@ int32_t beta(stream &s, int64_t n, R *r, double p, double q, double displacement
 {
     if (!std::isfinite(p) || !std::isfinite(q))
         return not_numbers(n, r);
-    // Beyond this the distribution is narrower than the last digits of its mean, which the ratio alone
-    // decides.
-    constexpr double largest = 1e28;
+    // Beyond the largest the distribution is narrower than the last digits of its mean, below the smallest it
+    // has the ends alone: which of them, the ratio of the shapes decides.
+    constexpr double largest = 1e28, smallest = 1e-300;
     const bool complement = p > q;
     double low = std::min(p, q), high = std::max(p, q);
     if (low > largest) {
         high *= largest / low;
         low = largest;
     }
-    double slope = std::max(-1 / low, -1e300), c = 0;
+    if (low < smallest) {
+        high = std::min(high * (smallest / low), largest);
+        low = smallest;
+    }
+    double slope = -1 / low, c = 0;
     if (low > 1) { // 1/slope is sqrt((2*low*high - low - high)/(low + high - 2)), for any shapes
         const double sum = low + high,
                      inverse = std::sqrt((low / sum * (high - 1) + high / sum * (low - 1)) /
@@ -73,12 +77,10 @@ int32_t beta(stream &s, int64_t n, R *r, double p, double q, double displacement
         slope = 1 / inverse;
         c = low + inverse;
     }
+    const beta_shapes shapes{low, high, std::log(low) - std::log(low + high), slope, c, complement};
     const auto transform = current_candidates().beta;
     return by_rejection<2>(
-        s, n,
-        [&](int32_t count, const double *u, double *y) {
-            transform(count, u, y, low, high, slope, c, complement);
-        },
+        s, n, [&](int32_t count, const double *u, double *y) { transform(count, u, y, shapes); },
         [&](int64_t i, double y) { r[i] = static_cast<R>(displacement + scale * y); });
 }
 

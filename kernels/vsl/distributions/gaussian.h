@@ -43,19 +43,6 @@ int32_t box_muller2(stream &s, int64_t n, R *r, R a, R sigma)
     return status;
 }
 
-/// One uniform number each
-template <class R>
-int32_t normal_by_inversion(stream &s, int64_t n, R *r, R a, R sigma)
-{
-    const auto transform = current_transforms<R>().normal_inverse;
-    return in_blocks(n, [&](int64_t first, int32_t count) {
-        const int32_t status = open_uniform(s, count, r + first);
-        if (status >= 0)
-            transform(count, r + first, r + first, a, sigma);
-        return status;
-    });
-}
-
 /// By the methods of RngGaussian
 template <class R>
 int32_t gaussian(int32_t method, stream &s, int64_t n, R *r, R a, R sigma)
@@ -66,7 +53,7 @@ int32_t gaussian(int32_t method, stream &s, int64_t n, R *r, R a, R sigma)
     case VSL_RNG_METHOD_GAUSSIAN_BOXMULLER2:
         return box_muller2(s, n, r, a, sigma);
     case VSL_RNG_METHOD_GAUSSIAN_ICDF:
-        return normal_by_inversion(s, n, r, a, sigma);
+        return inverted(s, n, r, current_transforms<R>().normal_inverse, a, sigma);
     default:
         return VSL_ERROR_BADARGS;
     }

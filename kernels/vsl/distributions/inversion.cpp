@@ -28,50 +28,23 @@ XKL_VSL_KERNEL _vslsRngUniform(int32_t, void *handle, int32_t n, float *r, float
     return uniform_between(handle, n, r, a, b);
 }
 
-XKL_VSL_KERNEL _vsldRngExponential(int32_t, void *handle, int32_t n, double *r, double a, double beta)
-{
-    return by_inversion(handle, n, r, current_transforms<double>().exponential, a, beta);
-}
-XKL_VSL_KERNEL _vslsRngExponential(int32_t, void *handle, int32_t n, float *r, float a, float beta)
-{
-    return by_inversion(handle, n, r, current_transforms<float>().exponential, a, beta);
-}
-
-XKL_VSL_KERNEL _vsldRngLaplace(int32_t, void *handle, int32_t n, double *r, double a, double beta)
-{
-    return by_inversion(handle, n, r, current_transforms<double>().laplace, a, beta);
-}
-XKL_VSL_KERNEL _vslsRngLaplace(int32_t, void *handle, int32_t n, float *r, float a, float beta)
-{
-    return by_inversion(handle, n, r, current_transforms<float>().laplace, a, beta);
-}
-
-XKL_VSL_KERNEL _vsldRngCauchy(int32_t, void *handle, int32_t n, double *r, double a, double beta)
-{
-    return by_inversion(handle, n, r, current_transforms<double>().cauchy, a, beta);
-}
-XKL_VSL_KERNEL _vslsRngCauchy(int32_t, void *handle, int32_t n, float *r, float a, float beta)
-{
-    return by_inversion(handle, n, r, current_transforms<float>().cauchy, a, beta);
-}
-
-XKL_VSL_KERNEL _vsldRngRayleigh(int32_t, void *handle, int32_t n, double *r, double a, double beta)
-{
-    return by_inversion(handle, n, r, current_transforms<double>().rayleigh, a, beta);
-}
-XKL_VSL_KERNEL _vslsRngRayleigh(int32_t, void *handle, int32_t n, float *r, float a, float beta)
-{
-    return by_inversion(handle, n, r, current_transforms<float>().rayleigh, a, beta);
-}
-
-XKL_VSL_KERNEL _vsldRngGumbel(int32_t, void *handle, int32_t n, double *r, double a, double beta)
-{
-    return by_inversion(handle, n, r, current_transforms<double>().gumbel, a, beta);
-}
-XKL_VSL_KERNEL _vslsRngGumbel(int32_t, void *handle, int32_t n, float *r, float a, float beta)
-{
-    return by_inversion(handle, n, r, current_transforms<float>().gumbel, a, beta);
-}
+// Those with a location and a scale differ in their transform alone. A function can't make the names that
+// kernels are fetched by.
+#define XKL_KERNELS_OF_SCALE(Name, transform)                                                              \
+    XKL_VSL_KERNEL _vsldRng##Name(int32_t, void *handle, int32_t n, double *r, double a, double beta)      \
+    {                                                                                                      \
+        return by_inversion(handle, n, r, current_transforms<double>().transform, a, beta);                \
+    }                                                                                                      \
+    XKL_VSL_KERNEL _vslsRng##Name(int32_t, void *handle, int32_t n, float *r, float a, float beta)         \
+    {                                                                                                      \
+        return by_inversion(handle, n, r, current_transforms<float>().transform, a, beta);                 \
+    }
+XKL_KERNELS_OF_SCALE(Exponential, exponential)
+XKL_KERNELS_OF_SCALE(Laplace, laplace)
+XKL_KERNELS_OF_SCALE(Cauchy, cauchy)
+XKL_KERNELS_OF_SCALE(Rayleigh, rayleigh)
+XKL_KERNELS_OF_SCALE(Gumbel, gumbel)
+#undef XKL_KERNELS_OF_SCALE
 
 XKL_VSL_KERNEL _vsldRngWeibull(int32_t, void *handle, int32_t n, double *r, double alpha, double a,
                                double beta)

@@ -27,10 +27,18 @@ struct transforms {
     transform<R, R, R> shifted_exp;    // b, beta; of normal numbers
 };
 
+/// What the candidates of a beta distribution are made from
+struct beta_shapes {
+    double low, high; // the shapes p and q, in order
+    double share;     // the logarithm of low/(low + high), which may be too small for a number
+    double slope, c;
+    bool complement; // p > q
+};
+
 /// Two uniform numbers for each candidate; -1 is a refused one.
 struct candidate_transforms {
-    transform<double, double, double> gamma;                      // d, c
-    transform<double, double, double, double, double, bool> beta; // low, high, slope, c, complement
+    transform<double, double, double> gamma; // d, c
+    transform<double, beta_shapes> beta;
 };
 
 // The tables of each set: filled by the compiler, never written.
