@@ -1,6 +1,7 @@
 // LAPACKE's helpers: NaN checks and layout copies. Each name is a body of its own, which calls the template
 // of its row; the template finds the type in the arrays.
 #include "kinds.h"
+#include "lapacke_table.h"
 #include "names.h"
 #include "printers.h"
 
@@ -22,14 +23,16 @@ std::string helper_type(const argument &arg, char element)
 {
     if (arg.kind == "e")
         return "int ";
+    const std::string type = lapacke_element(arg, element);
     if (arg.kind == "c" || arg.kind == "i")
-        return c_element(arg.kind, element) + " ";
-    return c_type(arg, element);
+        return type + " ";
+    return (arg.written ? "" : "const ") + type + " *";
 }
 
 std::string helper_declaration(const routine &row, const std::string &name)
 {
-    std::string text = c_result(row) + " " + name + "(";
+    const std::string result = row.has_result() ? "lapack_logical" : "void";
+    std::string text = result + " " + name + "(";
     for (const argument &each : row.arguments)
         text += (text.ends_with('(') ? "" : ", ") + helper_type(each, row.element) + each.name;
     return text + ")";
@@ -39,7 +42,8 @@ std::string helper_declaration(const routine &row, const std::string &name)
 
 void print_helpers(std::ostream &out, const routines &rows)
 {
-    out << "#include \"lapacke/helpers.h\"\n#include \"xkl_lapacke_helpers.h\"\n";
+    out << "#include \"lapacke/complex.h\"\n#include \"lapacke/helpers.h\"\n#include "
+           "\"xkl_lapacke_helpers.h\"\n";
     for (const routine &row : rows) {
         out << "\n// " << row.name << ": " << row.place << "\n";
         for (const std::string &name : helper_names(row))
@@ -56,7 +60,8 @@ void print_helper_header(std::ostream &out, const routines &rows, const std::str
         "LAPACKE's helpers: NaN checks and copies from one layout into the other.\n"
         "   layout is 101 for row-major and 102 for column-major. Letters are read in either case.\n"
         "   Only the stored part of a matrix is looked at or copied: the triangle that uplo names,\n"
-        "   the band, and no diagonal where diag is 'U'. The names ending in _64 are the same");
+        "   the band, and no diagonal where diag is 'U'. The names ending in _64 are the same",
+        {"xkl_lapacke_types.h"});
     std::string about;
     for (const routine &row : rows) {
         if (row.about != about)

@@ -164,6 +164,9 @@ class work_printer : body_printer {
             add_names(each.when, names);
         for (const std::string &each : row_.row_call)
             names.insert(each.substr(each.starts_with("&") ? 1 : 0));
+        for (const c_parameter &each :
+             row_.work_parameters) // the caller's, where the high level has a `let`
+            names.erase(each.name);
         return names;
     }
 

@@ -142,7 +142,7 @@ TEST(nancheck, vectors_in_every_direction)
                 (k < extent ? real[k] : real[0]) = harmless<double>(k);
                 complex[k] = harmless<float>(k);
             }
-            auto *pairs = reinterpret_cast<XKL_Complex8 *>(complex.data());
+            auto *pairs = reinterpret_cast<lapack_complex_float *>(complex.data());
             for (int64_t k = 0; k < extent; ++k)
                 for (const int64_t incx : {step, -step}) {
                     const int64_t expected = k % step == 0;
@@ -213,9 +213,9 @@ TEST(nancheck, tridiagonal_arrays)
     expect_tridiagonal<double>(LAPACKE_dgt_nancheck_64, LAPACKE_dst_nancheck_64, LAPACKE_dpt_nancheck_64,
                                bad);
     expect_tridiagonal<float>(LAPACKE_cgt_nancheck, LAPACKE_cst_nancheck, LAPACKE_cpt_nancheck,
-                              XKL_Complex8{0, single});
+                              lapack_make_complex_float(0, single));
     expect_tridiagonal<double>(LAPACKE_zgt_nancheck, LAPACKE_zst_nancheck, LAPACKE_zpt_nancheck,
-                               XKL_Complex16{bad, 0});
+                               lapack_make_complex_double(bad, 0));
 }
 
 TEST(lsame, compares_letters_in_either_case)

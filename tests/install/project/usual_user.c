@@ -46,6 +46,8 @@ int main(void)
     double w[2];
     lapack_int selected = -1, info;
 
+    if (LAPACKE_zhe_nancheck(LAPACK_ROW_MAJOR, 'U', 2, z, 2))
+        return 4;
     LAPACKE_set_nancheck(0);
     info = LAPACKE_dgees(LAPACK_COL_MAJOR, 'V', 'S', is_left, 2, a, 2, &selected, wr, wi, vs, 2);
     if (info != 0 || selected != 1 || wr[0] != -1)
