@@ -29,34 +29,44 @@ std::string names_of(const std::vector<argument> &arguments)
     return text;
 }
 
-/// A pointer comes back without its type; a number has it.
-std::string returned(const fftw_routine &row, const fftw_family &family, const std::string &call)
+/// A call of the routine's template. Pointers come back from it without their type.
+std::string call_of(const fftw_routine &row, const fftw_family &family, const std::string &name,
+                    const std::string &arguments)
 {
-    if (row.result == "-")
+    const std::string call = "xkl::fftw::" + name + "<" + family.real + ">(" + arguments + ")";
+    if (row.result == "-" || row.result == "int" || row.result == "double")
         return call;
-    if (row.result == "int" || row.result == "double")
-        return "return " + call;
     std::string type = fftw_spelled(fftw_kind_named(row.result).c, family);
     while (type.ends_with(" "))
         type.pop_back();
-    return "return static_cast<" + type + ">(" + call + ")";
+    return "static_cast<" + type + ">(" + call + ")";
 }
 
 void print_c_frame(std::ostream &out, const fftw_routine &row, const fftw_family &family)
 {
-    const std::string call =
-        "xkl::fftw::" + row.name + "<" + family.real + ">(" + names_of(row.arguments) + ")";
-    out << "\n" << c_prototype(row, family) << "\n{\n    " << returned(row, family, call) << ";\n}\n";
+    out << "\n"
+        << c_prototype(row, family) << "\n{\n    " << (row.result == "-" ? "" : "return ")
+        << call_of(row, family, row.name, names_of(row.arguments)) << ";\n}\n";
+}
+
+/// Dimensions by address have 64 bits: they go to the planner that takes those.
+std::string name_handed_to(const fftw_routine &row)
+{
+    const std::string start = "plan_guru_";
+    return row.name.starts_with(start) ? "plan_guru64_" + row.name.substr(start.size()) : row.name;
 }
 
 void print_fortran_frame(std::ostream &out, const fftw_routine &row, const fftw_family &family)
 {
-    const std::vector<argument> arguments = fftw_by_address(row);
+    const std::vector<argument> parameters = fftw_by_address(row);
+    std::vector<argument> values = row.arguments;
+    for (argument &each : values)
+        each.name = fftw_handed_on(each);
     out << "\nvoid " << family.fortran_prefix << row.name << "_(";
-    for (const argument &each : arguments)
-        out << (&each == &arguments.front() ? "" : ", ") << fftw_spelled(each.kind, family) << each.name;
-    out << ")\n{\n    xkl::fftw::fortran::" << row.name << "<" << family.real << ">(" << names_of(arguments)
-        << ");\n}\n";
+    for (const argument &each : parameters)
+        out << (&each == &parameters.front() ? "" : ", ") << fftw_spelled(each.kind, family) << each.name;
+    out << ")\n{\n    " << (row.result == "-" ? "" : "*result = ")
+        << call_of(row, family, name_handed_to(row), names_of(values)) << ";\n}\n";
 }
 
 /// Breaks a statement of free-form Fortran behind commas.
