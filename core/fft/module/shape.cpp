@@ -55,6 +55,12 @@ bool runs_backwards(const shaped_problem &problem)
            std::any_of(problem.batches, problem.batches + problem.batch_rank, backwards);
 }
 
+int64_t quotient_up(int64_t a, int64_t b)
+{
+    return a / b + (a % b != 0);
+}
+
+// So that no smaller chunk remains, which would need a plan of its own.
 int64_t divisor_near(int64_t count, int64_t most)
 {
     for (int64_t each = most; each > most / 2; --each)
@@ -171,12 +177,14 @@ void cut_batch(const shaped_problem &problem, cut &chosen)
         const int64_t least = lies_between_others(problem) ? least_interleaved : 1;
         chosen.chunk = std::min(std::max(fitting, least), count);
     }
-    if (share && count >= problem.threads) {
-        chosen.chunk = std::min(chosen.chunk, (count + problem.threads - 1) / problem.threads);
+    if (share && count >= problem.threads) { // as many chunks for each thread, of one size
+        const int64_t rounds = quotient_up(quotient_up(count, chosen.chunk), problem.threads);
+        chosen.chunk = quotient_up(count, rounds * problem.threads);
         chosen.share_chunks = true;
-    } else if (share && work_each >= work_to_share) {
-        chosen.plan_threads = problem.threads;
+        return;
     }
+    if (share && work_each >= work_to_share)
+        chosen.plan_threads = problem.threads;
     chosen.chunk = divisor_near(count, chosen.chunk);
 }
 
