@@ -276,7 +276,8 @@ void add_providers(const reader &at, const std::vector<routine> &base, const wor
     const std::string detail = colon == std::string::npos ? "" : columns[2].substr(colon + 1);
     static const std::set<std::string> known = {"openblas", "tmglib", "own"};
     const bool own = by == "own", detailed = colon != std::string::npos;
-    if (!known.contains(by) || detailed == detail.empty())
+    if (!known.contains(by) || detailed == detail.empty() || detail.starts_with('/') ||
+        detail.ends_with('/'))
         at.fail("`" + columns[2] +
                 "` is no provider; they are `openblas`, `openblas:ROUTINE`, `tmglib`, `own:HEADER`, "
                 "`own:HEADER/FUNCTION` and `own`");
