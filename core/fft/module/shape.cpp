@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace xkl::fft {
 namespace {
@@ -37,12 +38,70 @@ bool lies_between_others(const shaped_problem &problem)
     });
 }
 
-// The output of one transform of a batch may lie on the input of the next.
+// Elements of a dimension on the conjugate-even side.
+int64_t spectrum_length(const shaped_problem &problem, int index)
+{
+    const int64_t length = problem.sides[index].length;
+    if (problem.packed())
+        return problem.storage == layout::ccs ? 2 * (length / 2 + 1) : length;
+    return problem.compact_length(index);
+}
+
+// A dimension of real data transformed in place: the places of its elements before and after.
+struct places {
+    int64_t in_count, out_count;
+    int64_t in, out; // strides, in reals
+
+    bool shared() const { return in == out; }
+    int64_t reach() const
+    {
+        return std::max((in_count - 1) * std::abs(in), (out_count - 1) * std::abs(out));
+    }
+};
+
+places places_of(const shaped_problem &problem, int index)
+{
+    const dimension &side = problem.sides[index];
+    const int64_t spectrum = spectrum_length(problem, index);
+    const bool forward = problem.what == operation::real_forward;
+    return {forward ? side.length : spectrum, forward ? spectrum : side.length,
+            side.in_stride * problem.in_unit(), side.out_stride * problem.out_unit()};
+}
+
+// Whether the output of each transform of a batch in place lies where its own input was. Complex data has one
+// layout. Of real data, the dimensions whose elements are as far apart on both sides, and the batch, make a grid;
+// what the others reach must fit between its points.
+bool transforms_keep_apart(const shaped_problem &problem)
+{
+    const dimension &batch = problem.batches[0];
+    std::vector<places> grid{{batch.length, batch.length, batch.in_stride * problem.in_unit(),
+                              batch.out_stride * problem.out_unit()}};
+    if (!problem.real_data() || !grid[0].shared())
+        return grid[0].shared();
+    const int64_t shift = problem.in_offset * problem.in_unit() - problem.out_offset * problem.out_unit();
+    int64_t reached = std::max(problem.in_unit(), problem.out_unit()) + std::abs(shift);
+    for (int i = 0; i < problem.rank; ++i) {
+        const places each = places_of(problem, i);
+        if (each.shared())
+            grid.push_back(each);
+        else if ((each.in < 0) != (each.out < 0))
+            return false;
+        else
+            reached += each.reach();
+    }
+    std::sort(grid.begin(), grid.end(),
+              [](const places &a, const places &b) { return std::abs(a.in) < std::abs(b.in); });
+    for (const places &each : grid) {
+        if (each.reach() > 0 && std::abs(each.in) < reached)
+            return false;
+        reached += each.reach();
+    }
+    return true;
+}
+
 bool batch_runs_into_itself(const shaped_problem &problem)
 {
-    return problem.in_place && problem.count() > 1 &&
-           problem.batches[0].in_stride * problem.in_unit() !=
-               problem.batches[0].out_stride * problem.out_unit();
+    return problem.in_place && problem.count() > 1 && !transforms_keep_apart(problem);
 }
 
 // FFTW's planner does not come back from some problems with strides below zero.
