@@ -10,6 +10,7 @@
 namespace xkl::dfti {
 
 constexpr int64_t most_dimensions = 7;
+constexpr int64_t longest_name = 4096; // of a descriptor, as it is set
 
 /// The offset, and a stride for each dimension.
 using stride_vector = int64_t[most_dimensions + 1];
