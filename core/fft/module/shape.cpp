@@ -68,23 +68,28 @@ places places_of(const shaped_problem &problem, int index)
             side.in_stride * problem.in_unit(), side.out_stride * problem.out_unit()};
 }
 
-// Whether the output of each transform of a batch in place lies where its own input was. Complex data has one
-// layout. Of real data, the dimensions whose elements are as far apart on both sides, and the batch, make a grid;
-// what the others reach must fit between its points.
-bool transforms_keep_apart(const shaped_problem &problem)
+places batch_places(const shaped_problem &problem)
 {
     const dimension &batch = problem.batches[0];
-    std::vector<places> grid{{batch.length, batch.length, batch.in_stride * problem.in_unit(),
-                              batch.out_stride * problem.out_unit()}};
-    if (!problem.real_data() || !grid[0].shared())
-        return grid[0].shared();
+    return {batch.length, batch.length, batch.in_stride * problem.in_unit(),
+            batch.out_stride * problem.out_unit()};
+}
+
+// Whether each transform of real data in place, or even each row, has its results where its own input was. The
+// dimensions whose elements are as far apart on both sides, and the batch, make a grid; what the others reach must
+// fit between its points. Of rows, only their own dimension may differ.
+bool results_keep_to(const shaped_problem &problem, bool rows)
+{
     const int64_t shift = problem.in_offset * problem.in_unit() - problem.out_offset * problem.out_unit();
     int64_t reached = std::max(problem.in_unit(), problem.out_unit()) + std::abs(shift);
+    std::vector<places> grid;
+    if (problem.count() > 1)
+        grid.push_back(batch_places(problem));
     for (int i = 0; i < problem.rank; ++i) {
         const places each = places_of(problem, i);
         if (each.shared())
             grid.push_back(each);
-        else if ((each.in < 0) != (each.out < 0))
+        else if ((rows && i > 0 && each.reach() > 0) || (each.in < 0) != (each.out < 0))
             return false;
         else
             reached += each.reach();
@@ -92,16 +97,26 @@ bool transforms_keep_apart(const shaped_problem &problem)
     std::sort(grid.begin(), grid.end(),
               [](const places &a, const places &b) { return std::abs(a.in) < std::abs(b.in); });
     for (const places &each : grid) {
-        if (each.reach() > 0 && std::abs(each.in) < reached)
+        if (!each.shared() || (each.reach() > 0 && std::abs(each.in) < reached))
             return false;
         reached += each.reach();
     }
     return true;
 }
 
+// The output of one transform of a batch may lie on the input of the next. Complex data has one layout.
 bool batch_runs_into_itself(const shaped_problem &problem)
 {
-    return problem.in_place && problem.count() > 1 && !transforms_keep_apart(problem);
+    if (!problem.in_place || problem.count() == 1)
+        return false;
+    return problem.real_data() ? !results_keep_to(problem, false) : !batch_places(problem).shared();
+}
+
+// FFTW takes real data in place whose rows lie elsewhere afterwards, but its planner does not come back from some,
+// and of others the results are wrong.
+bool rows_move(const shaped_problem &problem)
+{
+    return problem.in_place && problem.real_data() && !results_keep_to(problem, true);
 }
 
 // FFTW's planner does not come back from some problems with strides below zero.
@@ -206,7 +221,8 @@ cut first_cut(const shaped_problem &problem)
     const bool same_start =
         problem.in_offset * problem.in_unit() == problem.out_offset * problem.out_unit();
     const bool collides = problem.in_place && (!same_start || batch_runs_into_itself(problem));
-    if (problem.storage == layout::split || problem.packed() || collides || runs_backwards(problem))
+    if (problem.storage == layout::split || problem.packed() || collides || rows_move(problem) ||
+        runs_backwards(problem))
         go_through_workspace(problem, chosen);
     else if (problem.what == operation::real_backward && problem.rank > 1 && !problem.in_place)
         chosen.through_in = !problem.may_destroy_input; // FFTW overwrites it there
