@@ -12,7 +12,8 @@ constexpr int32_t precision_of = sizeof(Element) == (std::is_floating_point_v<El
                                      ? DFTI_SINGLE
                                      : DFTI_DOUBLE;
 
-// The arrays must be as many as the descriptor computes with, and of its precision. The transform refuses null ones.
+// The arrays must be as many as the descriptor computes with, and of its precision. The transform refuses
+// null ones.
 template <class First, class... Rest>
 int32_t compute(xkl_dft_compute *DFTI_DESCRIPTOR::*direction, DFTI_DESCRIPTOR *const *handle, First *x,
                 Rest *...rest)

@@ -343,8 +343,8 @@ void expect_same_in_place(const indices &lengths, int64_t batch, const placing &
 TYPED_TEST(Results, InPlaceElsewhereThanTheInput)
 {
     using T = TypeParam;
-    // Rows of the spectrum further apart than those of the data, the batch between the rows: results lie among the
-    // input of other transforms.
+    // Rows of the spectrum further apart than those of the data, the batch between the rows: results lie
+    // among the input of other transforms.
     for (const int64_t batch : {4, 4000})
         expect_same_in_place<T>({4, 3}, batch, {0, {1, 6 * batch}, 6}, {0, {1, 3 * batch + 3}, 3});
     // FFTW's planner does not come back from these.

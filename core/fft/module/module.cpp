@@ -10,8 +10,9 @@
 namespace xkl::fft {
 namespace {
 
-// FFTW ends the process when it runs out of memory. It plans with tables as large as the longest dimension and,
-// where it transposes, with a buffer as large as the data; data that does not fit into the machine is nowhere.
+// FFTW ends the process when it runs out of memory. It plans with tables as large as the longest dimension
+// and, where it transposes, with a buffer as large as the data; data that does not fit into the machine is
+// nowhere.
 bool fits_into_machine(const problem &wanted)
 {
     const double machine =

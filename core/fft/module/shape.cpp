@@ -75,9 +75,9 @@ places batch_places(const shaped_problem &problem)
             batch.out_stride * problem.out_unit()};
 }
 
-// Whether each transform of real data in place, or even each row, has its results where its own input was. The
-// dimensions whose elements are as far apart on both sides, and the batch, make a grid; what the others reach must
-// fit between its points. Of rows, only their own dimension may differ.
+// Whether each transform of real data in place, or even each row, has its results where its own input was.
+// The dimensions whose elements are as far apart on both sides, and the batch, make a grid; what the others
+// reach must fit between its points. Of rows, only their own dimension may differ.
 bool results_keep_to(const shaped_problem &problem, bool rows)
 {
     const int64_t shift = problem.in_offset * problem.in_unit() - problem.out_offset * problem.out_unit();
@@ -112,8 +112,8 @@ bool batch_runs_into_itself(const shaped_problem &problem)
     return problem.real_data() ? !results_keep_to(problem, false) : !batch_places(problem).shared();
 }
 
-// FFTW takes real data in place whose rows lie elsewhere afterwards, but its planner does not come back from some,
-// and of others the results are wrong.
+// FFTW takes real data in place whose rows lie elsewhere afterwards, but its planner does not come back from
+// some, and of others the results are wrong.
 bool rows_move(const shaped_problem &problem)
 {
     return problem.in_place && problem.real_data() && !results_keep_to(problem, true);
