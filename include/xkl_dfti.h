@@ -97,7 +97,7 @@ enum DFTI_CONFIG_VALUE {
 
 #define DFTI_VERSION_LENGTH 198    /* bytes that DFTI_VERSION fills */
 #define DFTI_MAX_NAME_LENGTH 10    /* bytes that DFTI_DESCRIPTOR_NAME fills at most, with the NUL */
-#define DFTI_MAX_MESSAGE_LENGTH 80 /* characters that a message has at most */
+#define DFTI_MAX_MESSAGE_LENGTH 80 /* characters of a message that matter: a reason may follow them */
 
 #ifdef __cplusplus
 extern "C" {

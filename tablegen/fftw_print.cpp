@@ -29,34 +29,69 @@ std::string names_of(const std::vector<argument> &arguments)
     return text;
 }
 
-/// A pointer comes back without its type; a number has it.
-std::string returned(const fftw_routine &row, const fftw_family &family, const std::string &call)
+/// The values in arrays of their own, one for lengths and one for kinds that follow each other, and the number of
+/// lengths first.
+std::string in_arrays(const std::vector<argument> &arguments, const std::vector<std::string> &values)
 {
-    if (row.result == "-")
+    size_t lengths = 0;
+    std::string text, before;
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        const std::string &kind = arguments[i].kind;
+        const bool gathered = kind == "length" || kind == "kind";
+        const bool last = i + 1 == arguments.size() || arguments[i + 1].kind != kind;
+        lengths += kind == "length";
+        text += text.empty() ? "" : ", ";
+        text += (gathered && kind != before ? "xkl::fftw::in_a_row{" : "") + values[i] +
+                (gathered && last ? "}.numbers()" : "");
+        before = kind;
+    }
+    return (lengths ? std::to_string(lengths) + ", " : "") + text;
+}
+
+/// A call of the routine's template; of that for any number of dimensions, if their lengths are given one by one.
+/// Pointers come back from it without their type.
+std::string call_of(const fftw_routine &row, const fftw_family &family, const std::string &name,
+                    const std::vector<std::string> &values)
+{
+    const bool one_by_one = !row.arguments.empty() && row.arguments.front().kind == "length";
+    const std::string call = "xkl::fftw::" + (one_by_one ? name.substr(0, name.rfind('_')) : name) + "<" +
+                             family.real + ">(" + in_arrays(row.arguments, values) + ")";
+    if (row.result == "-" || row.result == "int" || row.result == "double")
         return call;
-    if (row.result == "int" || row.result == "double")
-        return "return " + call;
     std::string type = fftw_spelled(fftw_kind_named(row.result).c, family);
     while (type.ends_with(" "))
         type.pop_back();
-    return "return static_cast<" + type + ">(" + call + ")";
+    return "static_cast<" + type + ">(" + call + ")";
 }
 
 void print_c_frame(std::ostream &out, const fftw_routine &row, const fftw_family &family)
 {
-    const std::string call =
-        "xkl::fftw::" + row.name + "<" + family.real + ">(" + names_of(row.arguments) + ")";
-    out << "\n" << c_prototype(row, family) << "\n{\n    " << returned(row, family, call) << ";\n}\n";
+    std::vector<std::string> values;
+    for (const argument &each : row.arguments)
+        values.push_back(each.name);
+    out << "\n"
+        << c_prototype(row, family) << "\n{\n    " << (row.result == "-" ? "" : "return ")
+        << call_of(row, family, row.name, values) << ";\n}\n";
+}
+
+/// Dimensions by address have 64 bits: they go to the planner that takes those.
+std::string name_handed_to(const fftw_routine &row)
+{
+    const std::string start = "plan_guru_";
+    return row.name.starts_with(start) ? "plan_guru64_" + row.name.substr(start.size()) : row.name;
 }
 
 void print_fortran_frame(std::ostream &out, const fftw_routine &row, const fftw_family &family)
 {
-    const std::vector<argument> arguments = fftw_by_address(row);
-    out << "\nvoid " << family.fortran_prefix << row.name << "_(";
-    for (const argument &each : arguments)
-        out << (&each == &arguments.front() ? "" : ", ") << fftw_spelled(each.kind, family) << each.name;
-    out << ")\n{\n    xkl::fftw::fortran::" << row.name << "<" << family.real << ">(" << names_of(arguments)
-        << ");\n}\n";
+    std::string parameters;
+    for (const argument &each : fftw_by_address(row))
+        parameters += (parameters.empty() ? "" : ", ") + fftw_spelled(each.kind, family) + each.name;
+    std::vector<std::string> values;
+    for (const argument &each : row.arguments)
+        values.push_back(fftw_handed_on(each));
+    out << "\nvoid " << family.fortran_prefix << row.name << "_(" << parameters << ")\n{\n    "
+        << (row.result == "-" ? "" : "*result = ") << call_of(row, family, name_handed_to(row), values)
+        << ";\n}\n";
 }
 
 /// Breaks a statement of free-form Fortran behind commas.

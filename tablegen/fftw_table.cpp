@@ -11,33 +11,48 @@ namespace {
 
 const std::map<std::string, fftw_kind> &kinds()
 {
+    const std::string integer = "const int64_t *", turned = "xkl::fftw::turned(*rank, $).numbers()",
+                      zipped = "xkl::fftw::zipped(*^rank, ^n, ^is, ^os)";
     static const std::map<std::string, fftw_kind> all = {
-        {"int", {"int ", "const int64_t *", "integer(C_INT), value"}},
-        {"flags", {"unsigned ", "const int64_t *", "integer(C_INT), value"}},
-        {"kind", {"@r2r_kind ", "const int64_t *", "integer(C_FFTW_R2R_KIND), value"}},
-        {"sizes", {"const int *", "const int64_t *", "integer(C_INT), dimension(*), intent(in)"}},
+        {"int", {"int ", "integer(C_INT), value", integer, "*$"}},
+        {"length", {"int ", "integer(C_INT), value", integer, "*$"}},
+        {"flags", {"unsigned ", "integer(C_INT), value", integer, "*$"}},
+        {"kind", {"@r2r_kind ", "integer(C_FFTW_R2R_KIND), value", integer, "*$"}},
+        {"sizes", {"const int *", "integer(C_INT), dimension(*), intent(in)", integer, turned}},
         {"kinds",
-         {"const @r2r_kind *", "const int64_t *", "integer(C_FFTW_R2R_KIND), dimension(*), intent(in)"}},
-        {"dims", {"const @iodim *", "const int64_t *", "type(@iodim), dimension(*), intent(in)"}},
-        {"dims64", {"const @iodim64 *", "", "type(@iodim64), dimension(*), intent(in)"}},
-        {"real", {"% *", "% *", "real(%), dimension(*)"}},
-        {"complex", {"@complex *", "@complex *", "complex(%_COMPLEX), dimension(*)"}},
-        {"plan", {"@plan ", "@plan *", "type(C_PTR), value"}},
-        {"counter", {"double *", "double *", "real(C_DOUBLE)"}},
-        {"seconds", {"double ", "const double *", "real(C_DOUBLE), value"}},
-        {"size", {"size_t ", "", "integer(C_SIZE_T), value"}},
-        {"pointer", {"void *", "void *", "type(C_PTR), value"}},
-        {"reals", {"% *", "", "real(%), dimension(*)"}},
-        {"text", {"const char *", "", "character(C_CHAR), dimension(*), intent(in)"}},
-        {"file", {"FILE *", "", "type(C_PTR), value"}},
-        {"reader", {"@read_char_func ", "void *", "type(C_FUNPTR), value"}},
-        {"writer", {"@write_char_func ", "void *", "type(C_FUNPTR), value"}},
-        {"spawner", {"@spawn_loop_func ", "", "type(C_FUNPTR), value"}},
+         {"const @r2r_kind *", "integer(C_FFTW_R2R_KIND), dimension(*), intent(in)", integer, turned}},
+        {"dims", {"const @iodim *", "type(@iodim), dimension(*), intent(in)", integer, zipped}},
+        {"dims64", {"const @iodim64 *", "type(@iodim64), dimension(*), intent(in)", "", ""}},
+        {"real", {"% *", "real(%), dimension(*)", "% *", "$"}},
+        {"complex", {"@complex *", "complex(%_COMPLEX), dimension(*)", "@complex *", "$"}},
+        {"plan", {"@plan ", "type(C_PTR), value", "@plan *", "*$"}},
+        {"counter", {"double *", "real(C_DOUBLE)", "double *", "$"}},
+        {"seconds", {"double ", "real(C_DOUBLE), value", "const double *", "*$"}},
+        {"pointer", {"void *", "type(C_PTR), value", "void *", "$"}},
+        {"reader", {"@read_char_func ", "type(C_FUNPTR), value", "@read_char_func ", "$"}},
+        {"writer", {"@write_char_func ", "type(C_FUNPTR), value", "@write_char_func ", "$"}},
+        {"size", {"size_t ", "integer(C_SIZE_T), value", "", ""}},
+        {"reals", {"% *", "real(%), dimension(*)", "", ""}},
+        {"text", {"const char *", "character(C_CHAR), dimension(*), intent(in)", "", ""}},
+        {"file", {"FILE *", "type(C_PTR), value", "", ""}},
+        {"spawner", {"@spawn_loop_func ", "type(C_FUNPTR), value", "", ""}},
         // Results alone.
-        {"double", {"double ", "double *", "real(C_DOUBLE)"}},
-        {"complexes", {"@complex *", "", "type(C_PTR)"}},
-        {"characters", {"char *", "", "type(C_PTR)"}}};
+        {"double", {"double ", "real(C_DOUBLE)", "double *", ""}},
+        {"complexes", {"@complex *", "type(C_PTR)", "", ""}},
+        {"characters", {"char *", "type(C_PTR)", "", ""}}};
     return all;
+}
+
+void put(std::string &text, char place, const std::string &what)
+{
+    for (size_t at; (at = text.find(place)) != std::string::npos;)
+        text.replace(at, 1, what);
+}
+
+/// What stands ahead of `dims` in the name of dimensions: nothing, or `howmany_`.
+std::string start_of_dims(const argument &each)
+{
+    return each.kind == "dims" ? each.name.substr(0, each.name.rfind("dims")) : "";
 }
 
 std::vector<std::string> words_of(const std::string &line)
@@ -146,33 +161,43 @@ const fftw_kind &fftw_kind_named(const std::string &name)
 
 std::string fftw_spelled(std::string text, const fftw_family &family)
 {
-    const auto put = [&text](char place, const std::string &what) {
-        for (size_t at; (at = text.find(place)) != std::string::npos;)
-            text.replace(at, 1, what);
-    };
-    put('@', family.prefix);
-    put('%', text.starts_with("real(") || text.starts_with("complex(") ? family.fortran_real : family.real);
+    put(text, '@', family.prefix);
+    put(text, '%',
+        text.starts_with("real(") || text.starts_with("complex(") ? family.fortran_real : family.real);
     return text;
 }
 
 std::vector<argument> fftw_by_address(const fftw_routine &row)
 {
+    std::vector<argument> given = row.arguments;
+    for (const char *turned : {"length", "kind"}) {
+        const auto is_turned = [turned](const argument &each) { return each.kind == turned; };
+        const auto first = std::find_if(given.begin(), given.end(), is_turned);
+        std::reverse(first, std::find_if_not(first, given.end(), is_turned));
+    }
     std::vector<argument> list;
     if (row.result == "int")
         list.push_back({"result", "int64_t *"});
     else if (row.result != "-")
         list.push_back({"result", fftw_kind_named(row.result).by_address});
-    for (const argument &each : row.arguments) {
+    for (const argument &each : given) {
         const std::string type = fftw_kind_named(each.kind).by_address;
         if (each.kind != "dims") {
             list.push_back({each.name, type});
             continue;
         }
-        const std::string start = each.name == "dims" ? "" : "howmany_";
         for (const char *part : {"n", "is", "os"})
-            list.push_back({start + part, type});
+            list.push_back({start_of_dims(each) + part, type});
     }
     return list;
+}
+
+std::string fftw_handed_on(const argument &each)
+{
+    std::string text = fftw_kind_named(each.kind).handed_on;
+    put(text, '$', each.name);
+    put(text, '^', start_of_dims(each));
+    return text;
 }
 
 std::set<std::string> fftw_exported_names(const fftw_table &table)

@@ -16,12 +16,14 @@ struct fftw_family {
     std::string fortran_real;   // C_DOUBLE
 };
 
-/// How a kind of argument is written. `@` is the place of the family's prefix, `%` of its real type.
+/// How a kind of argument is written. `@` is the place of the family's prefix, `%` of its real type, `$` of the
+/// argument's name, `^` of what that name has ahead of `dims`.
 struct fftw_kind {
-    std::string c; // `const int *`, with its blank
-    std::string
-        by_address;      // in the forms where all go by address; empty: these forms have no such argument
+    std::string c;       // `const int *`, with its blank
     std::string fortran; // `integer(C_INT), dimension(*)`
+    // In the forms where all go by address; empty: these forms have no such argument.
+    std::string by_address;
+    std::string handed_on; // what these forms call the routine with, `*$`
 };
 
 /// FFTW_FORWARD, one of the kinds of real transforms, or the name of a text.
@@ -51,8 +53,12 @@ const fftw_kind &fftw_kind_named(const std::string &name);
 /// `text` with the family's prefix and real type in their places.
 std::string fftw_spelled(std::string text, const fftw_family &family);
 
-/// The arguments of the form by address, with their types: the result first, dimensions as three arrays.
+/// The arguments of the form by address, with their types: the result first, dimensions as three arrays, and
+/// lengths that follow each other, or kinds, in reverse order, since Fortran's first dimension is the fastest.
 std::vector<argument> fftw_by_address(const fftw_routine &row);
+
+/// What the form by address calls the routine with.
+std::string fftw_handed_on(const argument &each);
 
 std::set<std::string> fftw_exported_names(const fftw_table &table);
 

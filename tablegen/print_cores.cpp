@@ -108,24 +108,23 @@ void print_core_forwards(std::ostream &out, const routines &rows, const std::vec
 void print_core_own(std::ostream &out, const routines &rows, const std::vector<provider> &providers,
                     const std::string &header)
 {
-    const std::string folder = rows.front().family;
+    const auto first = std::find_if(providers.begin(), providers.end(),
+                                    [&](const provider &each) { return each.header == header; });
+    if (first == providers.end())
+        throw table_error("no provider is `own:" + header + "`");
     // The element types come first: the templates have the core's, and so must the prototypes.
-    out << "#include \"blas/elements.h\"\n#include \"core_" << folder << ".h\"\n#include \"" << folder
-        << "/" << header << ".h\" // named by the core's providers.tbl\n";
-    bool found = false;
+    out << "#include \"blas/elements.h\"\n#include \"core_" << rows.front().family << ".h\"\n#include \""
+        << first->folder << "/" << header << ".h\" // named by the core's providers.tbl\n";
     for (const routine &row : rows) {
         const provider *by = provider_of(row, providers);
         if (!by || by->header != header)
             continue;
-        found = true;
         const std::string type = row.element ? "<" + c_element("t", row.element) + ">" : "";
         out << "\n// " << row.name << ": " << row.place << "\nextern \"C\" " << core_result(row) << " "
             << core_entry(row) << "(" << visible_parameter_list(row)
             << ")\n{\n    return xkl::core::" << by->callee << type << "("
             << argument_names(all_arguments(row)) << ");\n}\n";
     }
-    if (!found)
-        throw table_error("no provider is `own:" + header + "`");
 }
 
 void print_core_calls(std::ostream &out, const routines &rows)

@@ -4,6 +4,7 @@
 #include "kinds.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
@@ -65,6 +66,7 @@ class reader {
         return {};
     }
 
+    const std::string &file() const { return file_; }
     std::string place() const { return file_ + ":" + std::to_string(line_); }
     const std::string &about() const { return about_; }
 
@@ -262,7 +264,8 @@ const routine &find(const reader &at, const std::vector<routine> &base, const st
     return *found;
 }
 
-/// The providers of a row's routines, one a type. All types have one template, called as the routine.
+/// The providers of a row's routines, one a type. All types have one template, called as the routine if the row
+/// does not name it.
 void add_providers(const reader &at, const std::vector<routine> &base, const words &columns,
                    std::vector<provider> &to)
 {
@@ -273,16 +276,21 @@ void add_providers(const reader &at, const std::vector<routine> &base, const wor
     const std::string detail = colon == std::string::npos ? "" : columns[2].substr(colon + 1);
     static const std::set<std::string> known = {"openblas", "tmglib", "own"};
     const bool own = by == "own", detailed = colon != std::string::npos;
-    if (!known.contains(by) || detailed == detail.empty())
-        at.fail(
-            "`" + columns[2] +
-            "` is no provider; they are `openblas`, `openblas:ROUTINE`, `tmglib`, `own:HEADER` and `own`");
-    const std::string untyped = untyped_name(columns[0]);
+    if (!known.contains(by) || detailed == detail.empty() || detail.starts_with('/') ||
+        detail.ends_with('/'))
+        at.fail("`" + columns[2] +
+                "` is no provider; they are `openblas`, `openblas:ROUTINE`, `tmglib`, `own:HEADER`, "
+                "`own:HEADER/FUNCTION` and `own`");
+    const auto slash = detail.find('/');
+    const std::string called =
+        slash == std::string::npos ? untyped_name(columns[0]) : detail.substr(slash + 1);
+    const std::string folder = std::filesystem::path(at.file()).parent_path().filename();
     const auto callees = expand(at, own || detail.empty() ? columns[0] : detail, columns[1]);
     auto callee = callees.begin();
     for (const instance &one : expand(at, columns[0], columns[1])) {
         const std::string name = find(at, base, one.name).name;
-        to.push_back({name, by, own ? untyped : to_lower(callee->name), own ? detail : ""});
+        to.push_back(
+            {name, by, own ? called : to_lower(callee->name), own ? detail.substr(0, slash) : "", folder});
         ++callee;
     }
 }

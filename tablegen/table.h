@@ -81,8 +81,9 @@ std::vector<shaped> read_shapes(const std::string &file, const std::vector<routi
 struct provider {
     std::string name;   // upper-case routine name
     std::string by;     // openblas: forwarded to a Fortran routine there; own: written in core/
-    std::string callee; // that Fortran routine, lower case; or the core's own template
-    std::string header; // own: the header of core/ that has the template
+    std::string callee; // that Fortran routine, lower case; or the core's own template or function
+    std::string header; // own: the header that has it
+    std::string folder; // of core/, where the table of providers is, and the header
 };
 std::vector<provider> read_providers(const std::vector<std::string> &files,
                                      const std::vector<routine> &base);

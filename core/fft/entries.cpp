@@ -1,4 +1,4 @@
-// The entries that make, configure and release descriptors.
+// The entries that configure, copy and release descriptors, and tell what statuses mean.
 #include "core_dfti.h"
 #include "fft/descriptor.h"
 
@@ -21,94 +21,18 @@ int32_t find(DFTI_DESCRIPTOR *const *handle, descriptor *&found)
     return handle ? DFTI_BAD_DESCRIPTOR : DFTI_INCONSISTENT_CONFIGURATION;
 }
 
-int32_t create_one(DFTI_DESCRIPTOR **handle, int32_t precision, int32_t domain, int64_t length)
+// The same for access to a parameter, which needs addresses of its number and its value.
+int32_t find(DFTI_DESCRIPTOR *const *handle, const int32_t *parameter, const void *value,
+             descriptor *&found)
 {
-    return create(handle, precision, domain, 1, &length);
+    if (const int32_t status = find(handle, found))
+        return status;
+    return parameter && value ? DFTI_NO_ERROR : DFTI_INCONSISTENT_CONFIGURATION;
 }
-
-// The Fortran forms, everything by reference.
-int32_t create_by_reference(DFTI_DESCRIPTOR **handle, const int32_t *precision, const int32_t *domain,
-                            const int64_t *dimension, const int64_t *lengths)
-{
-    if (handle)
-        *handle = nullptr;
-    if (!handle || !precision || !domain || !dimension)
-        return DFTI_INCONSISTENT_CONFIGURATION;
-    return create(handle, *precision, *domain, *dimension, lengths);
-}
-
-constexpr int32_t single_precision = DFTI_SINGLE, double_precision = DFTI_DOUBLE;
-constexpr int64_t one_dimension = 1;
 
 } // namespace
 
 extern "C" {
-
-int32_t xkl_dft_dfti_create_scmd(DFTI_DESCRIPTOR **handle, int32_t rank, const int64_t *lengths, int64_t)
-{
-    return create(handle, DFTI_SINGLE, DFTI_COMPLEX, rank, lengths);
-}
-int32_t xkl_dft_dfti_create_srmd(DFTI_DESCRIPTOR **handle, int32_t rank, const int64_t *lengths, int64_t)
-{
-    return create(handle, DFTI_SINGLE, DFTI_REAL, rank, lengths);
-}
-int32_t xkl_dft_dfti_create_dcmd(DFTI_DESCRIPTOR **handle, int32_t rank, const int64_t *lengths, int64_t)
-{
-    return create(handle, DFTI_DOUBLE, DFTI_COMPLEX, rank, lengths);
-}
-int32_t xkl_dft_dfti_create_drmd(DFTI_DESCRIPTOR **handle, int32_t rank, const int64_t *lengths, int64_t)
-{
-    return create(handle, DFTI_DOUBLE, DFTI_REAL, rank, lengths);
-}
-int32_t xkl_dft_dfti_create_sc1d(DFTI_DESCRIPTOR **handle, int64_t length, int64_t)
-{
-    return create_one(handle, DFTI_SINGLE, DFTI_COMPLEX, length);
-}
-int32_t xkl_dft_dfti_create_sr1d(DFTI_DESCRIPTOR **handle, int64_t length, int64_t)
-{
-    return create_one(handle, DFTI_SINGLE, DFTI_REAL, length);
-}
-int32_t xkl_dft_dfti_create_dc1d(DFTI_DESCRIPTOR **handle, int64_t length, int64_t)
-{
-    return create_one(handle, DFTI_DOUBLE, DFTI_COMPLEX, length);
-}
-int32_t xkl_dft_dfti_create_dr1d(DFTI_DESCRIPTOR **handle, int64_t length, int64_t)
-{
-    return create_one(handle, DFTI_DOUBLE, DFTI_REAL, length);
-}
-
-int32_t xkl_dft_dfti_create_descriptor_1d(DFTI_DESCRIPTOR **handle, const int32_t *precision,
-                                          const int32_t *domain, const int64_t *dimension,
-                                          const int64_t *lengths)
-{
-    return create_by_reference(handle, precision, domain, dimension, lengths);
-}
-int32_t xkl_dft_dfti_create_descriptor_highd(DFTI_DESCRIPTOR **handle, const int32_t *precision,
-                                             const int32_t *domain, const int64_t *dimension,
-                                             const int64_t *lengths)
-{
-    return create_by_reference(handle, precision, domain, dimension, lengths);
-}
-int32_t xkl_dft_dfti_create_descriptor_s_1d(DFTI_DESCRIPTOR **handle, const void *, const int32_t *domain,
-                                            const int64_t *, const int64_t *lengths)
-{
-    return create_by_reference(handle, &single_precision, domain, &one_dimension, lengths);
-}
-int32_t xkl_dft_dfti_create_descriptor_d_1d(DFTI_DESCRIPTOR **handle, const void *, const int32_t *domain,
-                                            const int64_t *, const int64_t *lengths)
-{
-    return create_by_reference(handle, &double_precision, domain, &one_dimension, lengths);
-}
-int32_t xkl_dft_dfti_create_descriptor_s_md(DFTI_DESCRIPTOR **handle, const void *, const int32_t *domain,
-                                            const int64_t *dimension, const int64_t *lengths)
-{
-    return create_by_reference(handle, &single_precision, domain, dimension, lengths);
-}
-int32_t xkl_dft_dfti_create_descriptor_d_md(DFTI_DESCRIPTOR **handle, const void *, const int32_t *domain,
-                                            const int64_t *dimension, const int64_t *lengths)
-{
-    return create_by_reference(handle, &double_precision, domain, dimension, lengths);
-}
 
 // A descriptor belongs to no thread here.
 void xkl_dft_bless_node_thr(DFTI_DESCRIPTOR *) {}
@@ -151,28 +75,24 @@ int32_t xkl_dft_dfti_set_value_intval(DFTI_DESCRIPTOR *const *handle, const int3
                                       const int64_t *value)
 {
     descriptor *found;
-    if (const int32_t status = find(handle, found))
-        return status;
-    return parameter && value ? set_integer(*found, *parameter, *value) : DFTI_INCONSISTENT_CONFIGURATION;
+    const int32_t status = find(handle, parameter, value, found);
+    return status ? status : set_integer(*found, *parameter, *value);
 }
 
 int32_t xkl_dft_dfti_get_value_intval(DFTI_DESCRIPTOR *const *handle, const int32_t *parameter,
                                       int64_t *value)
 {
     descriptor *found;
-    if (const int32_t status = find(handle, found))
-        return status;
-    return parameter && value ? get_integer(*found, *parameter, *value) : DFTI_INCONSISTENT_CONFIGURATION;
+    const int32_t status = find(handle, parameter, value, found);
+    return status ? status : get_integer(*found, *parameter, *value);
 }
 
 int32_t xkl_dft_dfti_get_value_dblval(DFTI_DESCRIPTOR *const *handle, const int32_t *parameter,
                                       double *value)
 {
     descriptor *found;
-    if (const int32_t status = find(handle, found))
-        return status;
-    return parameter && value ? descriptor_operations.get_scale(found, *parameter, value)
-                              : DFTI_INCONSISTENT_CONFIGURATION;
+    const int32_t status = find(handle, parameter, value, found);
+    return status ? status : descriptor_operations.get_scale(found, *parameter, value);
 }
 
 void xkl_dft_dfti_get_version_string(char *text, int32_t size)

@@ -2,20 +2,25 @@
 #include "fft/descriptor.h"
 
 #include <algorithm>
-#include <climits>
+#include <cstdint>
 
 namespace xkl::fft {
 namespace {
 
-// A parameter with a field of its own in the head, and the values that it may have.
-struct enumerated {
+// A parameter with a field of its own, and the values that it may be set to.
+template <class Owner, class Integer>
+struct stored {
     int32_t parameter;
-    int32_t DFTI_DESCRIPTOR::*field;
-    int32_t lowest, highest;
+    Integer Owner::*field;
+    Integer lowest, highest;
 };
 
-constexpr enumerated enumerated_parameters[] = {
+// What may only be got: no value is at least 1 and at most 0.
+constexpr int32_t none_lowest = 1, none_highest = 0;
+
+constexpr stored<DFTI_DESCRIPTOR, int32_t> in_head[] = {
     {DFTI_FORWARD_DOMAIN, &DFTI_DESCRIPTOR::forward_domain, DFTI_COMPLEX, DFTI_REAL},
+    {DFTI_DIMENSION, &DFTI_DESCRIPTOR::rank, none_lowest, none_highest},
     {DFTI_PRECISION, &DFTI_DESCRIPTOR::precision, DFTI_SINGLE, DFTI_DOUBLE},
     {DFTI_COMPLEX_STORAGE, &DFTI_DESCRIPTOR::complex_storage, DFTI_COMPLEX_COMPLEX, DFTI_REAL_REAL},
     {DFTI_REAL_STORAGE, &DFTI_DESCRIPTOR::real_storage, DFTI_COMPLEX_COMPLEX, DFTI_REAL_REAL},
@@ -26,13 +31,42 @@ constexpr enumerated enumerated_parameters[] = {
     {DFTI_ORDERING, &DFTI_DESCRIPTOR::ordering, DFTI_ORDERED, DFTI_BACKWARD_SCRAMBLED},
     {DFTI_TRANSPOSE, &DFTI_DESCRIPTOR::transpose, DFTI_ALLOW, DFTI_NONE},
     {DFTI_PACKED_FORMAT, &DFTI_DESCRIPTOR::packed_format, DFTI_CCS_FORMAT, DFTI_CCE_FORMAT},
-    {DFTI_NUMBER_OF_USER_THREADS, &DFTI_DESCRIPTOR::user_threads, 1, INT_MAX},
+    {DFTI_COMMIT_STATUS, &DFTI_DESCRIPTOR::commit_status, none_lowest, none_highest},
+    {DFTI_NUMBER_OF_USER_THREADS, &DFTI_DESCRIPTOR::user_threads, 1, INT32_MAX},
 };
 
-const enumerated *find(int32_t parameter)
+constexpr stored<descriptor, int64_t> behind_head[] = {
+    {DFTI_NUMBER_OF_TRANSFORMS, &descriptor::transforms, 1, INT64_MAX},
+    {DFTI_INPUT_DISTANCE, &descriptor::input_distance, INT64_MIN, INT64_MAX},
+    {DFTI_OUTPUT_DISTANCE, &descriptor::output_distance, INT64_MIN, INT64_MAX},
+    {DFTI_THREAD_LIMIT, &descriptor::thread_limit, 0, INT64_MAX},
+};
+
+// Null for a parameter that is not in the table.
+template <class Owner, class Integer, size_t size>
+const stored<Owner, Integer> *find(const stored<Owner, Integer> (&table)[size], int32_t parameter)
 {
-    const auto *found = std::ranges::find(enumerated_parameters, parameter, &enumerated::parameter);
-    return found == std::end(enumerated_parameters) ? nullptr : found;
+    const auto *found = std::ranges::find(table, parameter, &stored<Owner, Integer>::parameter);
+    return found == std::end(table) ? nullptr : found;
+}
+
+template <class Owner, class Integer>
+int32_t set(descriptor &of, const stored<Owner, Integer> &known, int64_t value)
+{
+    if (value < known.lowest || value > known.highest)
+        return DFTI_INCONSISTENT_CONFIGURATION;
+    of.uncommit();
+    of.*known.field = static_cast<Integer>(value);
+    return DFTI_NO_ERROR;
+}
+
+int32_t set_destroy_input(descriptor &of, int64_t value)
+{
+    if (value < DFTI_ALLOW || value > DFTI_NONE)
+        return DFTI_INCONSISTENT_CONFIGURATION;
+    of.uncommit();
+    of.flags = value == DFTI_ALLOW ? of.flags | xkl_dft_destroys_input : of.flags & ~xkl_dft_destroys_input;
+    return DFTI_NO_ERROR;
 }
 
 // Users set the storage or the format, rarely both: what was not set goes along.
@@ -52,75 +86,28 @@ void keep_storage_and_format_together(descriptor &of, int32_t parameter)
 
 int32_t set_integer(descriptor &of, int32_t parameter, int64_t value)
 {
-    if (const enumerated *known = find(parameter)) {
-        if (value < known->lowest || value > known->highest)
-            return DFTI_INCONSISTENT_CONFIGURATION;
-        of.uncommit();
-        of.*known->field = static_cast<int32_t>(value);
-        keep_storage_and_format_together(of, parameter);
-        return DFTI_NO_ERROR;
+    if (const auto *known = find(behind_head, parameter))
+        return set(of, *known, value);
+    if (const auto *known = find(in_head, parameter)) {
+        const int32_t status = set(of, *known, value);
+        if (status == DFTI_NO_ERROR)
+            keep_storage_and_format_together(of, parameter);
+        return status;
     }
-    switch (parameter) {
-    case DFTI_NUMBER_OF_TRANSFORMS:
-        if (value < 1)
-            return DFTI_INCONSISTENT_CONFIGURATION;
-        of.transforms = value;
-        break;
-    case DFTI_INPUT_DISTANCE:
-        of.input_distance = value;
-        break;
-    case DFTI_OUTPUT_DISTANCE:
-        of.output_distance = value;
-        break;
-    case DFTI_THREAD_LIMIT:
-        if (value < 0)
-            return DFTI_INCONSISTENT_CONFIGURATION;
-        of.thread_limit = value;
-        break;
-    case DFTI_DESTROY_INPUT:
-        if (value < DFTI_ALLOW || value > DFTI_NONE)
-            return DFTI_INCONSISTENT_CONFIGURATION;
-        of.flags =
-            value == DFTI_ALLOW ? of.flags | xkl_dft_destroys_input : of.flags & ~xkl_dft_destroys_input;
-        break;
-    default:
-        return DFTI_INCONSISTENT_CONFIGURATION;
-    }
-    of.uncommit();
-    return DFTI_NO_ERROR;
+    return parameter == DFTI_DESTROY_INPUT ? set_destroy_input(of, value) : DFTI_INCONSISTENT_CONFIGURATION;
 }
 
 int32_t get_integer(const descriptor &of, int32_t parameter, int64_t &value)
 {
-    if (const enumerated *known = find(parameter)) {
+    if (const auto *known = find(behind_head, parameter))
         value = of.*known->field;
-        return DFTI_NO_ERROR;
-    }
-    switch (parameter) {
-    case DFTI_DIMENSION:
-        value = of.rank;
-        return DFTI_NO_ERROR;
-    case DFTI_NUMBER_OF_TRANSFORMS:
-        value = of.transforms;
-        return DFTI_NO_ERROR;
-    case DFTI_INPUT_DISTANCE:
-        value = of.input_distance;
-        return DFTI_NO_ERROR;
-    case DFTI_OUTPUT_DISTANCE:
-        value = of.output_distance;
-        return DFTI_NO_ERROR;
-    case DFTI_COMMIT_STATUS:
-        value = of.commit_status;
-        return DFTI_NO_ERROR;
-    case DFTI_THREAD_LIMIT:
-        value = of.thread_limit;
-        return DFTI_NO_ERROR;
-    case DFTI_DESTROY_INPUT:
+    else if (const auto *known_in_head = find(in_head, parameter))
+        value = of.*known_in_head->field;
+    else if (parameter == DFTI_DESTROY_INPUT)
         value = of.destroys_input() ? DFTI_ALLOW : DFTI_AVOID;
-        return DFTI_NO_ERROR;
-    default:
+    else
         return DFTI_INCONSISTENT_CONFIGURATION;
-    }
+    return DFTI_NO_ERROR;
 }
 
 } // namespace xkl::fft

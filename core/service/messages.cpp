@@ -37,7 +37,7 @@ constexpr message catalogue[] = {
     {779, "this is not a descriptor, or it has been freed"},
     {message_no_transform, "this transform is not implemented"},
     {781, "internal error of the transform library"},
-    {782, "the number of threads does not fit the one that the descriptor was committed for"},
+    {782, "the number of threads does not fit what the descriptor was committed for"},
     {783, "a length is too large for this transform"},
     {784, "unknown error"},
     {message_missing_entry,

@@ -10,8 +10,6 @@ using namespace xkl::dfti;
 
 namespace {
 
-constexpr int64_t longest_name = 4096; // of a descriptor, as it is set
-
 /// Why there is no access, before it is known whether the parameter is one of the operation's.
 int32_t refusal(DFTI_DESCRIPTOR *const *handle, const int32_t *parameter, const void *value)
 {

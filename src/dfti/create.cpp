@@ -57,9 +57,34 @@ long create(DFTI_DESCRIPTOR_HANDLE *handle, const creators &by, int domain, int6
     return blessed(make(handle, static_cast<int32_t>(dimension), lengths, 0), handle);
 }
 
-long create_from_vector(DFTI_DESCRIPTOR_HANDLE *handle, const creators &by, int domain, int64_t dimension,
-                        const int64_t *lengths)
+/// What comes first in every creation: a place for the handle, which no refusal leaves as it was, and as many
+/// dimensions as there may be.
+int32_t refusal(DFTI_DESCRIPTOR_HANDLE *handle, int64_t dimension = 1)
 {
+    if (!handle)
+        return DFTI_INCONSISTENT_CONFIGURATION;
+    *handle = nullptr;
+    return dimension >= 1 && dimension <= most_dimensions ? DFTI_NO_ERROR : DFTI_INVALID_CONFIGURATION;
+}
+
+long create_one_dimensional(DFTI_DESCRIPTOR_HANDLE *handle, const line_creators &by, int domain,
+                            va_list tail)
+{
+    if (const int32_t status = refusal(handle); status != DFTI_NO_ERROR)
+        return status;
+    const auto length = va_arg(tail, int64_t);
+    line_creator *const make = by.of(domain);
+    if (length <= 0 || !make)
+        return DFTI_INVALID_CONFIGURATION;
+    return blessed(make(handle, length, 0), handle);
+}
+
+long create_multi_dimensional(DFTI_DESCRIPTOR_HANDLE *handle, const creators &by, int domain,
+                              int64_t dimension, va_list tail)
+{
+    if (const int32_t status = refusal(handle, dimension); status != DFTI_NO_ERROR)
+        return status;
+    const auto *const lengths = va_arg(tail, const int64_t *);
     if (!lengths)
         return DFTI_INCONSISTENT_CONFIGURATION;
     int64_t reversed[most_dimensions];
@@ -67,25 +92,16 @@ long create_from_vector(DFTI_DESCRIPTOR_HANDLE *handle, const creators &by, int 
     return create(handle, by, domain, dimension, reversed);
 }
 
-long create_line(DFTI_DESCRIPTOR_HANDLE *handle, const line_creators &by, int domain, int64_t length)
+/// The length itself stands in the list if there is one dimension.
+long create_listed(DFTI_DESCRIPTOR_HANDLE *handle, const creators &by, int domain, int64_t dimension,
+                   va_list tail)
 {
-    line_creator *const make = by.of(domain);
-    if (length <= 0 || !make)
-        return DFTI_INVALID_CONFIGURATION;
-    return blessed(make(handle, length, 0), handle);
-}
-
-/// What comes first in every creation: a place for the handle, which no refusal leaves as it was.
-bool clear(DFTI_DESCRIPTOR_HANDLE *handle)
-{
-    if (handle)
-        *handle = nullptr;
-    return handle;
-}
-
-bool is_dimension(int64_t dimension)
-{
-    return dimension >= 1 && dimension <= most_dimensions;
+    if (dimension != 1)
+        return create_multi_dimensional(handle, by, domain, dimension, tail);
+    if (const int32_t status = refusal(handle); status != DFTI_NO_ERROR)
+        return status;
+    const auto length = va_arg(tail, int64_t);
+    return length > 0 ? create(handle, by, domain, 1, &length) : long{DFTI_INVALID_CONFIGURATION};
 }
 
 } // namespace
@@ -94,20 +110,9 @@ extern "C" {
 
 long DftiCreateDescriptor(DFTI_DESCRIPTOR_HANDLE *handle, int precision, int domain, int64_t dimension, ...)
 {
-    if (!clear(handle))
-        return DFTI_INCONSISTENT_CONFIGURATION;
-    if (!is_dimension(dimension))
-        return DFTI_INVALID_CONFIGURATION;
     va_list tail;
     va_start(tail, dimension);
-    long status = DFTI_INVALID_CONFIGURATION;
-    if (dimension == 1) {
-        if (const auto length = va_arg(tail, int64_t); length > 0)
-            status = create(handle, creators_for(precision), domain, 1, &length);
-    } else {
-        const auto *const lengths = va_arg(tail, const int64_t *);
-        status = create_from_vector(handle, creators_for(precision), domain, dimension, lengths);
-    }
+    const long status = create_listed(handle, creators_for(precision), domain, dimension, tail);
     va_end(tail);
     return status;
 }
@@ -115,56 +120,44 @@ decltype(DftiCreateDescriptor) xkl_dft_dfticreatedescriptor __attribute__((alias
 
 long DftiCreateDescriptor_s_1d(DFTI_DESCRIPTOR_HANDLE *handle, int domain, ...)
 {
-    if (!clear(handle))
-        return DFTI_INCONSISTENT_CONFIGURATION;
     va_list tail;
     va_start(tail, domain);
-    const auto length = va_arg(tail, int64_t);
+    const long status = create_one_dimensional(handle, line_in_single, domain, tail);
     va_end(tail);
-    return create_line(handle, line_in_single, domain, length);
+    return status;
 }
 decltype(DftiCreateDescriptor_s_1d) xkl_dft_dfticreatedescriptor_s_1d
     __attribute__((alias("DftiCreateDescriptor_s_1d")));
 
 long DftiCreateDescriptor_d_1d(DFTI_DESCRIPTOR_HANDLE *handle, int domain, ...)
 {
-    if (!clear(handle))
-        return DFTI_INCONSISTENT_CONFIGURATION;
     va_list tail;
     va_start(tail, domain);
-    const auto length = va_arg(tail, int64_t);
+    const long status = create_one_dimensional(handle, line_in_double, domain, tail);
     va_end(tail);
-    return create_line(handle, line_in_double, domain, length);
+    return status;
 }
 decltype(DftiCreateDescriptor_d_1d) xkl_dft_dfticreatedescriptor_d_1d
     __attribute__((alias("DftiCreateDescriptor_d_1d")));
 
 long DftiCreateDescriptor_s_md(DFTI_DESCRIPTOR_HANDLE *handle, int domain, int64_t dimension, ...)
 {
-    if (!clear(handle))
-        return DFTI_INCONSISTENT_CONFIGURATION;
-    if (!is_dimension(dimension))
-        return DFTI_INVALID_CONFIGURATION;
     va_list tail;
     va_start(tail, dimension);
-    const auto *const lengths = va_arg(tail, const int64_t *);
+    const long status = create_multi_dimensional(handle, in_single, domain, dimension, tail);
     va_end(tail);
-    return create_from_vector(handle, in_single, domain, dimension, lengths);
+    return status;
 }
 decltype(DftiCreateDescriptor_s_md) xkl_dft_dfticreatedescriptor_s_md
     __attribute__((alias("DftiCreateDescriptor_s_md")));
 
 long DftiCreateDescriptor_d_md(DFTI_DESCRIPTOR_HANDLE *handle, int domain, int64_t dimension, ...)
 {
-    if (!clear(handle))
-        return DFTI_INCONSISTENT_CONFIGURATION;
-    if (!is_dimension(dimension))
-        return DFTI_INVALID_CONFIGURATION;
     va_list tail;
     va_start(tail, dimension);
-    const auto *const lengths = va_arg(tail, const int64_t *);
+    const long status = create_multi_dimensional(handle, in_double, domain, dimension, tail);
     va_end(tail);
-    return create_from_vector(handle, in_double, domain, dimension, lengths);
+    return status;
 }
 decltype(DftiCreateDescriptor_d_md) xkl_dft_dfticreatedescriptor_d_md
     __attribute__((alias("DftiCreateDescriptor_d_md")));

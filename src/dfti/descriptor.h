@@ -6,11 +6,11 @@
 #include "dft/descriptor.h"
 
 #include <cstdint>
-#include <utility>
 
 namespace xkl::dfti {
 
 constexpr int64_t most_dimensions = 7;
+constexpr int64_t longest_name = 4096; // of a descriptor, as it is set
 
 /// The offset, and a stride for each dimension.
 using stride_vector = int64_t[most_dimensions + 1];
@@ -18,12 +18,6 @@ using stride_vector = int64_t[most_dimensions + 1];
 inline bool is_descriptor(const DFTI_DESCRIPTOR *handle)
 {
     return handle && handle->tag == xkl_dft_tag;
-}
-
-inline void reverse(int64_t *entries, int64_t count)
-{
-    for (int64_t i = 0, j = count - 1; i < j; ++i, --j)
-        std::swap(entries[i], entries[j]);
 }
 
 /// Copies lengths from C's order to the core's, or back.

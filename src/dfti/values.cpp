@@ -9,8 +9,6 @@ using namespace xkl::dfti;
 
 namespace {
 
-constexpr size_t longest_name = 4096; // of a descriptor, as it is set
-
 /// What stands behind a parameter in the lists of DftiSetValue.
 enum class setting { none, int32, int64, real, strides, text };
 

@@ -1,4 +1,4 @@
-// The planners in front of guru64: sizes in row-major order, one to three dimensions, many transforms, and
+// The planners in front of guru64: sizes in row-major order, as an array or one by one, many transforms, and
 // dimensions of 32 bits. Templates over the integer: C's is int, Fortran's has 64 bits.
 #pragma once
 
@@ -157,90 +157,16 @@ void *plan_r2r(int64_t rank, const Integer *n, void *in, void *out, const Kind *
     return plan_many_r2r<Real>(rank, n, 1, in, as_long, 1, 0, out, as_long, 1, 0, kinds, flags);
 }
 
-// One to three dimensions.
+/// Lengths, or kinds, that are given one by one.
+template <class Number, size_t count>
+struct in_a_row {
+    Number all[count];
 
-template <class Real>
-void *plan_dft_1d(int64_t n, void *in, void *out, int64_t sign, int64_t flags)
-{
-    return plan_dft<Real>(1, &n, in, out, sign, flags);
-}
+    const Number *numbers() const { return all; }
+};
 
-template <class Real>
-void *plan_dft_2d(int64_t n0, int64_t n1, void *in, void *out, int64_t sign, int64_t flags)
-{
-    const int64_t n[] = {n0, n1};
-    return plan_dft<Real>(2, n, in, out, sign, flags);
-}
-
-template <class Real>
-void *plan_dft_3d(int64_t n0, int64_t n1, int64_t n2, void *in, void *out, int64_t sign, int64_t flags)
-{
-    const int64_t n[] = {n0, n1, n2};
-    return plan_dft<Real>(3, n, in, out, sign, flags);
-}
-
-template <class Real>
-void *plan_dft_r2c_1d(int64_t n, void *in, void *out, int64_t flags)
-{
-    return plan_dft_r2c<Real>(1, &n, in, out, flags);
-}
-
-template <class Real>
-void *plan_dft_r2c_2d(int64_t n0, int64_t n1, void *in, void *out, int64_t flags)
-{
-    const int64_t n[] = {n0, n1};
-    return plan_dft_r2c<Real>(2, n, in, out, flags);
-}
-
-template <class Real>
-void *plan_dft_r2c_3d(int64_t n0, int64_t n1, int64_t n2, void *in, void *out, int64_t flags)
-{
-    const int64_t n[] = {n0, n1, n2};
-    return plan_dft_r2c<Real>(3, n, in, out, flags);
-}
-
-template <class Real>
-void *plan_dft_c2r_1d(int64_t n, void *in, void *out, int64_t flags)
-{
-    return plan_dft_c2r<Real>(1, &n, in, out, flags);
-}
-
-template <class Real>
-void *plan_dft_c2r_2d(int64_t n0, int64_t n1, void *in, void *out, int64_t flags)
-{
-    const int64_t n[] = {n0, n1};
-    return plan_dft_c2r<Real>(2, n, in, out, flags);
-}
-
-template <class Real>
-void *plan_dft_c2r_3d(int64_t n0, int64_t n1, int64_t n2, void *in, void *out, int64_t flags)
-{
-    const int64_t n[] = {n0, n1, n2};
-    return plan_dft_c2r<Real>(3, n, in, out, flags);
-}
-
-template <class Real, class Kind>
-void *plan_r2r_1d(int64_t n, void *in, void *out, Kind kind, int64_t flags)
-{
-    return plan_r2r<Real>(1, &n, in, out, &kind, flags);
-}
-
-template <class Real, class Kind>
-void *plan_r2r_2d(int64_t n0, int64_t n1, void *in, void *out, Kind kind0, Kind kind1, int64_t flags)
-{
-    const int64_t n[] = {n0, n1};
-    const Kind kinds[] = {kind0, kind1};
-    return plan_r2r<Real>(2, n, in, out, kinds, flags);
-}
-
-template <class Real, class Kind>
-void *plan_r2r_3d(int64_t n0, int64_t n1, int64_t n2, void *in, void *out, Kind kind0, Kind kind1,
-                  Kind kind2, int64_t flags)
-{
-    const int64_t n[] = {n0, n1, n2};
-    const Kind kinds[] = {kind0, kind1, kind2};
-    return plan_r2r<Real>(3, n, in, out, kinds, flags);
-}
+template <class Number, class... More>
+in_a_row(Number, More...) -> in_a_row<Number, 1 + sizeof...(More)>;
 
 // Guru planners with 32-bit dimensions.
 

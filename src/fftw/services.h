@@ -5,7 +5,7 @@
 #include "fftw/plan.h"
 #include "xkl_service.h"
 
-#include <type_traits>
+#include <climits>
 
 namespace xkl::fftw {
 
@@ -58,10 +58,13 @@ int init_threads()
     return 1;
 }
 
+/// Counts beyond an int, which Fortran may give, are as good as its bounds.
 template <class>
-void plan_with_nthreads(int count)
+void plan_with_nthreads(int64_t count)
 {
-    fftw3_xkl.thread_count = count;
+    fftw3_xkl.thread_count = static_cast<int>(count > INT_MAX   ? INT_MAX
+                                              : count < INT_MIN ? INT_MIN
+                                                                : count);
 }
 
 template <class>

@@ -49,6 +49,9 @@ TEST(Descriptors, CreationRefusesWhatCannotBe)
     descriptor huge(DFTI_DOUBLE, DFTI_COMPLEX, {int64_t{1} << 46});
     ASSERT_EQ(huge.status, 0);
     EXPECT_EQ(huge.commit(), DFTI_MEMORY_ERROR);
+    descriptor often(DFTI_SINGLE, DFTI_REAL, {2});
+    often.set(DFTI_NUMBER_OF_TRANSFORMS, INT64_MAX);
+    EXPECT_EQ(often.commit(), DFTI_MEMORY_ERROR);
 }
 
 TEST(Descriptors, HandlesAreLookedAt)

@@ -122,6 +122,7 @@ TEST(Module, RoundTripsOfLengthsWithLargePrimeFactors)
         expect_round_trip(domain, {1009, 31}, 3);
         expect_round_trip(domain, {2, 1013, 11}, 2);
         expect_round_trip(domain, {769}, 300);
+        expect_round_trip(domain, {64}, 9973); // no number of threads divides it
     }
 }
 

@@ -197,6 +197,10 @@ TEST(RealToReal, RefusesWhatCannotBe)
     EXPECT_EQ(create(DFTI_DOUBLE, 1, nullptr, &cosine), DFTI_INCONSISTENT_CONFIGURATION);
     const int64_t one[] = {1, 1, 1};
     EXPECT_EQ(create(DFTI_DOUBLE, 1, one, &first), DFTI_UNIMPLEMENTED); // REDFT00 begins at two elements
+    // More than any machine has, in dimensions that each would fit: null, and the process goes on.
+    const int64_t large[] = {1 << 20, 1 << 24, 1 << 24, 1 << 20, 16, 16, 16, 1, 1};
+    const int32_t kinds[] = {0, 1, 2};
+    EXPECT_EQ(create(DFTI_DOUBLE, 3, large, kinds), DFTI_MEMORY_ERROR);
     EXPECT_EQ(xkl_dft_r2r_create(nullptr, DFTI_DOUBLE, 1, dimension, 0, nullptr, &cosine, 0, -1),
               DFTI_INCONSISTENT_CONFIGURATION);
     EXPECT_EQ(xkl_dft_r2r_execute(nullptr, nullptr, nullptr), DFTI_BAD_DESCRIPTOR);

@@ -16,6 +16,21 @@ void dfftw_plan_dft_c2r_(void **, integer, integer, void *, void *, integer);
 void dfftw_plan_many_dft_(void **, integer rank, integer n, integer howmany, void *, integer inembed,
                           integer istride, integer idist, void *, integer onembed, integer ostride,
                           integer odist, integer sign, integer flags);
+void dfftw_plan_many_dft_r2c_(void **, integer, integer, integer, void *, integer, integer, integer, void *,
+                              integer, integer, integer, integer);
+void dfftw_plan_many_dft_c2r_(void **, integer, integer, integer, void *, integer, integer, integer, void *,
+                              integer, integer, integer, integer);
+void dfftw_plan_many_r2r_(void **, integer, integer, integer, void *, integer, integer, integer, void *,
+                          integer, integer, integer, integer kinds, integer);
+void dfftw_plan_dft_r2c_3d_(void **, integer, integer, integer, void *, void *, integer);
+void dfftw_plan_dft_c2r_3d_(void **, integer, integer, integer, void *, void *, integer);
+void dfftw_plan_r2r_2d_(void **, integer, integer, void *, void *, integer, integer, integer);
+void dfftw_plan_guru_dft_r2c_(void **, integer, integer, integer, integer, integer, integer, integer,
+                              integer, void *, void *, integer);
+void dfftw_plan_guru_dft_c2r_(void **, integer, integer, integer, integer, integer, integer, integer,
+                              integer, void *, void *, integer);
+void dfftw_plan_guru_split_dft_(void **, integer, integer, integer, integer, integer, integer, integer,
+                                integer, void *, void *, void *, void *, integer);
 void dfftw_plan_guru_dft_(void **, integer rank, integer n, integer is, integer os, integer howmany_rank,
                           integer howmany_n, integer howmany_is, integer howmany_os, void *, void *,
                           integer sign, integer flags);
@@ -115,6 +130,54 @@ TEST_F(fftw_fortran, guru_planners_take_three_arrays)
     dfftw_plan_guru_split_dft_r2c_(&plan, &one, n, is, os, &zero, n, is, os, a, b, c, &flags);
     EXPECT_EQ(plan, nullptr);
     EXPECT_EQ(core.steps, steps{});
+}
+
+TEST_F(fftw_fortran, planners_are_those_of_c)
+{
+    double *x = array, *y = array + 1;
+    auto *z = reinterpret_cast<fftw_complex *>(array + 2);
+    const auto expect_same = [&](void *made_by_c, const auto &fortran) {
+        plan = made_by_c;
+        const steps expected = taken();
+        fortran();
+        EXPECT_EQ(taken(), expected);
+    };
+    const int sizes[] = {4, 5, 6}, wide[] = {9, 8, 7}; // n and embed
+    const int64_t embed[] = {7, 8, 9}, far = 700, farther = 800;
+    expect_same(fftw_plan_many_dft_r2c(3, sizes, 2, x, wide, 3, 700, z, sizes, 1, 800, 4), [&] {
+        const int64_t save_memory = FFTW_CONSERVE_MEMORY;
+        dfftw_plan_many_dft_r2c_(&plan, &three, n, &two, x, embed, &three, &far, z, n, &one, &farther,
+                                 &save_memory);
+    });
+    expect_same(fftw_plan_many_dft_c2r(3, sizes, 2, z, wide, 3, 700, x, sizes, 1, 800, 64), [&] {
+        dfftw_plan_many_dft_c2r_(&plan, &three, n, &two, z, embed, &three, &far, x, n, &one, &farther,
+                                 &flags);
+    });
+    const fftw_r2r_kind kinds[] = {FFTW_DHT, FFTW_R2HC, FFTW_RODFT11};
+    const int64_t kinds_turned[] = {FFTW_RODFT11, FFTW_R2HC, FFTW_DHT};
+    expect_same(fftw_plan_many_r2r(3, sizes, 2, x, wide, 3, 700, y, sizes, 1, 800, kinds, 64), [&] {
+        dfftw_plan_many_r2r_(&plan, &three, n, &two, x, embed, &three, &far, y, n, &one, &farther,
+                             kinds_turned, &flags);
+    });
+    expect_same(fftw_plan_dft_r2c_3d(4, 5, 6, x, z, 64),
+                [&] { dfftw_plan_dft_r2c_3d_(&plan, &n[0], &n[1], &n[2], x, z, &flags); });
+    expect_same(fftw_plan_dft_c2r_3d(4, 5, 6, z, x, 64),
+                [&] { dfftw_plan_dft_c2r_3d_(&plan, &n[0], &n[1], &n[2], z, x, &flags); });
+    expect_same(fftw_plan_r2r_2d(5, 6, x, x, FFTW_R2HC, FFTW_RODFT11, 64), [&] {
+        dfftw_plan_r2r_2d_(&plan, &n[0], &n[1], x, x, &kinds_turned[0], &kinds_turned[1], &flags);
+    });
+    const fftw_iodim dims[] = {{6, 1, 20}, {5, 6, 4}, {4, 30, 1}}, batch = {2, 500, 600};
+    const int64_t is[] = {1, 6, 30}, os[] = {20, 4, 1}, batch_is = 500, batch_os = 600;
+    expect_same(fftw_plan_guru_dft_r2c(3, dims, 1, &batch, x, z, 64), [&] {
+        dfftw_plan_guru_dft_r2c_(&plan, &three, n, is, os, &one, &two, &batch_is, &batch_os, x, z, &flags);
+    });
+    expect_same(fftw_plan_guru_dft_c2r(3, dims, 1, &batch, z, x, 64), [&] {
+        dfftw_plan_guru_dft_c2r_(&plan, &three, n, is, os, &one, &two, &batch_is, &batch_os, z, x, &flags);
+    });
+    expect_same(fftw_plan_guru_split_dft(3, dims, 1, &batch, x, y, array + 2, array + 3, 64), [&] {
+        dfftw_plan_guru_split_dft_(&plan, &three, n, is, os, &one, &two, &batch_is, &batch_os, x, y,
+                                   array + 2, array + 3, &flags);
+    });
 }
 
 TEST_F(fftw_fortran, kinds_are_turned_around_too)

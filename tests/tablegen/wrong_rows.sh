@@ -70,6 +70,7 @@ DSCAL - traced - n:i"
 
 expect_provider 'the columns name, types and provider' '?AXPY own:axpy'
 expect_provider '`own:` is no provider' '?AXPY S own:'
+expect_provider '`own:axpy/` is no provider' '?AXPY S own:axpy/'
 expect_provider '`openblas:` is no provider' '?AXPY S openblas:'
 expect_provider '`other:axpy` is no provider' '?AXPY S other:axpy'
 expect_provider 'lists its types' '?AXPY S openblas:saxpy'

@@ -10,22 +10,29 @@
 namespace xkl::fft {
 namespace {
 
-// FFTW ends the process when it runs out of memory. Its tables are as large as the longest dimension; data
-// of that length does not fit into the machine either.
-bool tables_fit(const problem &wanted)
+// FFTW ends the process when it runs out of memory. It plans with tables as large as the longest dimension
+// and, where it transposes, with a buffer as large as the data; data that does not fit into the machine is
+// nowhere.
+bool fits_into_machine(const problem &wanted)
 {
     const double machine =
         static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
-    const auto longest =
-        std::max_element(wanted.sides, wanted.sides + wanted.rank,
-                         [](const dimension &a, const dimension &b) { return a.length < b.length; });
-    return static_cast<double>(longest->length) * (wanted.single ? 8 : 16) < machine;
+    const bool complex =
+        wanted.what == operation::complex_forward || wanted.what == operation::complex_backward;
+    double longest = 0, points = 1;
+    for (int i = 0; i < wanted.rank; ++i) {
+        longest = std::max(longest, static_cast<double>(wanted.sides[i].length));
+        points *= static_cast<double>(wanted.sides[i].length);
+    }
+    for (int i = 0; i < wanted.batch_rank; ++i)
+        points *= static_cast<double>(wanted.batches[i].length);
+    return std::max(2 * longest, complex ? 2 * points : points) * (wanted.single ? 4 : 8) < machine;
 }
 
 int32_t make(const problem *wanted, transform **made) noexcept
 try {
     *made = nullptr;
-    if (!tables_fit(*wanted))
+    if (!fits_into_machine(*wanted))
         return status_no_memory;
     int32_t status = status_fault;
     *made =

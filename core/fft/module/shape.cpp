@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace xkl::fft {
 namespace {
@@ -37,12 +38,85 @@ bool lies_between_others(const shaped_problem &problem)
     });
 }
 
-// The output of one transform of a batch may lie on the input of the next.
+// Elements of a dimension on the conjugate-even side.
+int64_t spectrum_length(const shaped_problem &problem, int index)
+{
+    const int64_t length = problem.sides[index].length;
+    if (problem.packed())
+        return problem.storage == layout::ccs ? 2 * (length / 2 + 1) : length;
+    return problem.compact_length(index);
+}
+
+// A dimension of real data transformed in place: the places of its elements before and after.
+struct places {
+    int64_t in_count, out_count;
+    int64_t in, out; // strides, in reals
+
+    bool shared() const { return in == out; }
+    int64_t reach() const
+    {
+        return std::max((in_count - 1) * std::abs(in), (out_count - 1) * std::abs(out));
+    }
+};
+
+places places_of(const shaped_problem &problem, int index)
+{
+    const dimension &side = problem.sides[index];
+    const int64_t spectrum = spectrum_length(problem, index);
+    const bool forward = problem.what == operation::real_forward;
+    return {forward ? side.length : spectrum, forward ? spectrum : side.length,
+            side.in_stride * problem.in_unit(), side.out_stride * problem.out_unit()};
+}
+
+places batch_places(const shaped_problem &problem)
+{
+    const dimension &batch = problem.batches[0];
+    return {batch.length, batch.length, batch.in_stride * problem.in_unit(),
+            batch.out_stride * problem.out_unit()};
+}
+
+// Whether each transform of real data in place, or even each row, has its results where its own input was.
+// The dimensions whose elements are as far apart on both sides, and the batch, make a grid; what the others
+// reach must fit between its points. Of rows, only their own dimension may differ.
+bool results_keep_to(const shaped_problem &problem, bool rows)
+{
+    const int64_t shift = problem.in_offset * problem.in_unit() - problem.out_offset * problem.out_unit();
+    int64_t reached = std::max(problem.in_unit(), problem.out_unit()) + std::abs(shift);
+    std::vector<places> grid;
+    if (problem.count() > 1)
+        grid.push_back(batch_places(problem));
+    for (int i = 0; i < problem.rank; ++i) {
+        const places each = places_of(problem, i);
+        if (each.shared())
+            grid.push_back(each);
+        else if ((rows && i > 0 && each.reach() > 0) || (each.in < 0) != (each.out < 0))
+            return false;
+        else
+            reached += each.reach();
+    }
+    std::sort(grid.begin(), grid.end(),
+              [](const places &a, const places &b) { return std::abs(a.in) < std::abs(b.in); });
+    for (const places &each : grid) {
+        if (!each.shared() || (each.reach() > 0 && std::abs(each.in) < reached))
+            return false;
+        reached += each.reach();
+    }
+    return true;
+}
+
+// The output of one transform of a batch may lie on the input of the next. Complex data has one layout.
 bool batch_runs_into_itself(const shaped_problem &problem)
 {
-    return problem.in_place && problem.count() > 1 &&
-           problem.batches[0].in_stride * problem.in_unit() !=
-               problem.batches[0].out_stride * problem.out_unit();
+    if (!problem.in_place || problem.count() == 1)
+        return false;
+    return problem.real_data() ? !results_keep_to(problem, false) : !batch_places(problem).shared();
+}
+
+// FFTW takes real data in place whose rows lie elsewhere afterwards, but its planner does not come back from
+// some, and of others the results are wrong.
+bool rows_move(const shaped_problem &problem)
+{
+    return problem.in_place && problem.real_data() && !results_keep_to(problem, true);
 }
 
 // FFTW's planner does not come back from some problems with strides below zero.
@@ -55,6 +129,12 @@ bool runs_backwards(const shaped_problem &problem)
            std::any_of(problem.batches, problem.batches + problem.batch_rank, backwards);
 }
 
+int64_t quotient_up(int64_t a, int64_t b)
+{
+    return a / b + (a % b != 0);
+}
+
+// So that no smaller chunk remains, which would need a plan of its own.
 int64_t divisor_near(int64_t count, int64_t most)
 {
     for (int64_t each = most; each > most / 2; --each)
@@ -141,7 +221,8 @@ cut first_cut(const shaped_problem &problem)
     const bool same_start =
         problem.in_offset * problem.in_unit() == problem.out_offset * problem.out_unit();
     const bool collides = problem.in_place && (!same_start || batch_runs_into_itself(problem));
-    if (problem.storage == layout::split || problem.packed() || collides || runs_backwards(problem))
+    if (problem.storage == layout::split || problem.packed() || collides || rows_move(problem) ||
+        runs_backwards(problem))
         go_through_workspace(problem, chosen);
     else if (problem.what == operation::real_backward && problem.rank > 1 && !problem.in_place)
         chosen.through_in = !problem.may_destroy_input; // FFTW overwrites it there
@@ -171,12 +252,14 @@ void cut_batch(const shaped_problem &problem, cut &chosen)
         const int64_t least = lies_between_others(problem) ? least_interleaved : 1;
         chosen.chunk = std::min(std::max(fitting, least), count);
     }
-    if (share && count >= problem.threads) {
-        chosen.chunk = std::min(chosen.chunk, (count + problem.threads - 1) / problem.threads);
+    if (share && count >= problem.threads) { // as many chunks for each thread, of one size
+        const int64_t rounds = quotient_up(quotient_up(count, chosen.chunk), problem.threads);
+        chosen.chunk = quotient_up(count, rounds * problem.threads);
         chosen.share_chunks = true;
-    } else if (share && work_each >= work_to_share) {
-        chosen.plan_threads = problem.threads;
+        return;
     }
+    if (share && work_each >= work_to_share)
+        chosen.plan_threads = problem.threads;
     chosen.chunk = divisor_near(count, chosen.chunk);
 }
 
