@@ -54,7 +54,8 @@ typedef struct {
 } xkl_vml_error;
 
 /* Called on the thread that called the routine, in the order of the elements. It may call vector math itself,
- * and must come back: no exception and no longjmp out of it. The value that it returns is not used; return 0. */
+ * and must come back: no exception and no longjmp out of it. The value that it returns is not used;
+ * return 0. */
 typedef int (*xkl_vml_error_callback)(xkl_vml_error *error);
 
 #endif

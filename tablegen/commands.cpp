@@ -44,7 +44,7 @@ commands:
   vml-frames       entry points                              (--option: the types they are for)
   vml-settings     operations on mode, status and callback   (--settings)
   vml-header       public C prototypes                       (--settings; --option: the table of errors)
-  vml-fortran      a Fortran module                          (--settings; --option: the header of its constants)
+  vml-fortran      a Fortran module                          (--settings; --option: header of its constants)
   vml-test-rows, vml-recording-core, vml-recording-kernels, vml-null-core  for tests and measurements
   vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
   vml-kernel-tables  the tables of the kernel library         (--providers)
