@@ -34,6 +34,7 @@ endforeach()
 set(XKL_VML_TABLE ${PROJECT_SOURCE_DIR}/src/vml/vml.tbl)
 set(XKL_VML_SETTINGS ${PROJECT_SOURCE_DIR}/src/vml/settings.tbl)
 set(XKL_VML_LOADER ${PROJECT_SOURCE_DIR}/src/vml/loader.tbl)
+set(XKL_VML_ERRORS ${PROJECT_SOURCE_DIR}/kernels/accuracy.tbl)
 set(XKL_FFTW_TABLE ${PROJECT_SOURCE_DIR}/src/fftw/fftw.tbl)
 
 set(XKL_VSL_TABLE_NAMES generators streams tasks)

@@ -47,14 +47,15 @@ typedef struct {
     int32_t status; /* VML_STATUS_ERRDOM to VML_STATUS_UNDERFLOW */
     int32_t reserved;
     int64_t index;       /* of the element, counted from 0 without regard to increments; calls of 2^31
-                               elements and more start from 0 again after each 2^31 - 1 */
+                            elements and more start from 0 again after each 2^31 - 1 */
     double a[2], b[2];   /* the arguments: real part, imaginary part */
     double r1[2], r2[2]; /* the results */
     const char *name;    /* the routine: "vdExp" */
 } xkl_vml_error;
 
-/* Called on the thread that called the routine, in the order of the elements. The value that it returns is
- * not used; return 0. */
+/* Called on the thread that called the routine, in the order of the elements. It may call vector math itself,
+ * and must come back: no exception and no longjmp out of it. The value that it returns is not used;
+ * return 0. */
 typedef int (*xkl_vml_error_callback)(xkl_vml_error *error);
 
 #endif

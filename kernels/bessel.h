@@ -64,6 +64,8 @@ struct jn_function {
     {
         if (infinite(a))
             return nan(y) && !nan(order) ? domain_error : fine;
+        if (infinite(y) && a == 0)
+            return singularity;
         return tiny(y) && a != 0 ? underflow : overflow_or_nan(y, a, order);
     }
 };
@@ -87,7 +89,10 @@ struct yn_function {
             [this](R x) { return static_cast<R>(scalar::bessel_y(order, x, effort_for<A, R>)); }, a);
     }
     XKL_HOT auto suspicious(vec<R>, vec<R> y) const { return is_not_finite(y); }
-    status settle(R a, R &y) const { return a == 0 ? singularity : overflow_or_nan(y, a, order); }
+    status settle(R a, R &y) const
+    {
+        return infinite(y) && a == 0 ? singularity : overflow_or_nan(y, a, order);
+    }
 };
 template <class R>
 struct y0_function : yn_function<R> {

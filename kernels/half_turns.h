@@ -180,12 +180,15 @@ struct atan2pi_function {
         }
     }
     /// Points whose products would end beyond the range
-    XKL_HOT auto suspicious(V a, V b, V) const
+    XKL_HOT auto suspicious(V a, V b, [[maybe_unused]] V result) const
     {
-        constexpr R far = sizeof(R) == 8 ? R(0x1p500) : limits<R>::largest,
-                    near = sizeof(R) == 8 ? R(0x1p-400) : R(0x1p-60);
-        const V y = absolute(a), x = absolute(b);
-        return (y > far) | (x > far) | ((y < near) & (y != 0)) | ((x < near) & ((x != 0) | (y == 0)));
+        if constexpr (sizeof(R) == 4) // doubles have room for all products
+            return is_tiny(result) & (a != 0);
+        else {
+            constexpr R far = 0x1p500, near = 0x1p-400;
+            const V y = absolute(a), x = absolute(b);
+            return (y > far) | (x > far) | ((y < near) & (y != 0)) | ((x < near) & ((x != 0) | (y == 0)));
+        }
     }
     status settle(R a, R b, R &y) const
     {

@@ -43,8 +43,8 @@ commands:
   vml-threaders    the default core's threaders
   vml-frames       entry points                              (--option: the types they are for)
   vml-settings     operations on mode, status and callback   (--settings)
-  vml-header       public C prototypes                       (--settings)
-  vml-fortran      a Fortran module of explicit interfaces
+  vml-header       public C prototypes                       (--settings; --option: the table of errors)
+  vml-fortran      a Fortran module                          (--settings; --option: header of its constants)
   vml-test-rows, vml-recording-core, vml-recording-kernels, vml-null-core  for tests and measurements
   vml-kernels      kernels of one header, for all instruction sets (--providers; --option: the header)
   vml-kernel-tables  the tables of the kernel library         (--providers)
@@ -186,8 +186,10 @@ constexpr command commands[] = {
     {"vml-threaders", code, [](auto &out, auto &in) { print_vml_threaders(out, in.functions); }},
     {"vml-frames", code, [](auto &out, auto &in) { print_vml_frames(out, in.functions, in.asked.option); }},
     {"vml-settings", code, [](auto &out, auto &in) { print_vml_settings(out, in.settings); }},
-    {"vml-header", text, [](auto &out, auto &in) { print_vml_header(out, in.functions, in.settings); }},
-    {"vml-fortran", text, [](auto &out, auto &in) { print_vml_fortran(out, in.functions); }},
+    {"vml-header", text,
+     [](auto &out, auto &in) { print_vml_header(out, in.functions, in.settings, in.asked.option); }},
+    {"vml-fortran", text,
+     [](auto &out, auto &in) { print_vml_fortran(out, in.functions, in.settings, in.asked.option); }},
     {"vml-test-rows", code, [](auto &out, auto &in) { print_vml_test_rows(out, in.functions); }},
     {"vml-recording-core", code, [](auto &out, auto &in) { print_vml_recording_core(out, in.functions); }},
     {"vml-recording-kernels", code,

@@ -1,6 +1,9 @@
 // What programs compile against: the C header and the Fortran module of vector math.
 #include "vml_printers.h"
 
+#include "constants.h"
+#include "vml_accuracy.h"
+
 #include <ostream>
 #include <set>
 #include <sstream>
@@ -29,8 +32,10 @@ const char header_text[] =
  * increments, indices and masks are 64-bit integers. n = 0 does nothing. An element outside a function's
  * domain leaves a status too, as the mode says.
  *
- * How accurate a result is follows from the mode, see VML_HA, VML_LA and VML_EP. A NaN as an argument gives
- * a NaN and no status, if nothing else is said. Domains and special values stand beside the functions:
+ * How accurate a result is follows from the mode. The error that a function promises stands beside it, in
+ * units in the last place (ULP), for complex results in those of the magnitude, for Bessel functions near
+ * their zeros in those of the waves, for the modes VML_HA, VML_LA and VML_EP. A NaN as an argument gives
+ * a NaN and no status, if nothing else is said. Domains and special values stand beside the functions, too:
  * "domain" is where no status is left; ERRDOM, SING, OVERFLOW and UNDERFLOW are the VML_STATUS_ values of
  * the elements that they stand with.
  *
@@ -128,6 +133,34 @@ std::string fortran_argument(const vml_argument &argument)
            (vector ? "(*)" : "");
 }
 
+/// A kind of setting as C interoperates with it.
+std::string fortran_setting(const std::string &kind, bool result)
+{
+    return kind == "callback" ? "type(c_funptr)" : result ? "integer(c_int32_t)" : "integer(c_int64_t)";
+}
+
+/// The C spelling, whose callback is a value.
+void print_setting_interface(std::ostream &out, const vml_setting &setting)
+{
+    const std::string name = "vml" + setting.name;
+    out << "    ! " << setting.about << "\n    function " << name << "(" << setting.argument
+        << ") bind(C, name=\"" << name << "\") result(answer)\n      import\n";
+    if (!setting.argument.empty())
+        out << "      " << fortran_setting(setting.argument, false) << ", value :: " << setting.argument
+            << "\n";
+    out << "      " << fortran_setting(setting.result, true) << " :: answer\n    end function " << name
+        << "\n";
+}
+
+/// The record that a callback gets.
+const char fortran_error_type[] = R"(  type, bind(C) :: xkl_vml_error
+    integer(c_int32_t) :: status, reserved
+    integer(c_int64_t) :: index
+    real(c_double) :: a(2), b(2), r1(2), r2(2)
+    type(c_ptr) :: name
+  end type xkl_vml_error
+)";
+
 void print_interface(std::ostream &out, const vml_form &form, bool in_mode)
 {
     const vml_entry entry{(in_mode ? "vm" : "v") + to_lower(form.name()), "", false, in_mode, false};
@@ -144,8 +177,9 @@ void print_interface(std::ostream &out, const vml_form &form, bool in_mode)
 } // namespace
 
 void print_vml_header(std::ostream &out, const vml_functions &functions,
-                      const std::vector<vml_setting> &settings)
+                      const std::vector<vml_setting> &settings, const std::string &errors)
 {
+    const vml_accuracy accuracy = read_vml_accuracy(errors);
     out << header_text;
     for (const vml_setting &setting : settings) {
         out << comment(setting.about, "\n/** ", "\n *  ", " */\n");
@@ -156,20 +190,32 @@ void print_vml_header(std::ostream &out, const vml_functions &functions,
     header_printer printer(out);
     std::string row;
     for (const vml_form &form : vml_forms(functions)) {
-        if (form.function->place != row)
-            out << comment(form.function->about, "\n/** ", "\n *  ", " */\n");
-        row = form.function->place;
+        if (form.function->place != row) {
+            row = form.function->place;
+            const std::string errors_of_row = vml_error_lines(accuracy, functions, row);
+            out << comment(form.function->about + (errors_of_row.empty() ? "" : "\n" + errors_of_row),
+                           "\n/** ", "\n *  ", " */\n");
+        }
         printer.form(form);
     }
     out << "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
 }
 
-void print_vml_fortran(std::ostream &out, const vml_functions &functions)
+void print_vml_fortran(std::ostream &out, const vml_functions &functions,
+                       const std::vector<vml_setting> &settings, const std::string &constants)
 {
-    out << "! xkl_vml.f90: explicit interfaces of the vector math routines, 64-bit integers.\n"
+    out << "! xkl_vml.f90: constants and explicit interfaces of the vector math routines, 64-bit "
+           "integers.\n"
         << "! Compile this file with the program that uses it: module files belong to one compiler.\n"
-        << "! xkl_vml.h describes the functions, xkl_vml_types.h the bits of a mode.\n"
-        << "module xkl_vml\n  implicit none\n  interface\n";
+        << "! xkl_vml.h describes the functions, xkl_vml_types.h the constants. A callback is a function "
+           "with\n"
+        << "! bind(C), of one argument of type(xkl_vml_error) and a result of integer(c_int): its c_funloc "
+           "is set.\n"
+        << "module xkl_vml\n  use, intrinsic :: iso_c_binding\n  implicit none\n";
+    print_header_constants(out, constants);
+    out << fortran_error_type << "  interface\n";
+    for (const vml_setting &setting : settings)
+        print_setting_interface(out, setting);
     std::string row;
     for (const vml_form &form : vml_forms(functions)) {
         if (form.function->place != row)

@@ -30,9 +30,11 @@ void print_vml_kernel_rows(std::ostream &out, const vml_functions &functions,
 void print_vml_frames(std::ostream &out, const vml_functions &functions, const std::string &types);
 /// Its operations on mode, status and callback.
 void print_vml_settings(std::ostream &out, const std::vector<vml_setting> &settings);
+/// `errors` and `constants` are files: the table of promised errors, the C header of the constants.
 void print_vml_header(std::ostream &out, const vml_functions &functions,
-                      const std::vector<vml_setting> &settings);
-void print_vml_fortran(std::ostream &out, const vml_functions &functions);
+                      const std::vector<vml_setting> &settings, const std::string &errors);
+void print_vml_fortran(std::ostream &out, const vml_functions &functions,
+                       const std::vector<vml_setting> &settings, const std::string &constants);
 std::set<std::string> vml_exported_names(const vml_functions &functions,
                                          const std::vector<vml_setting> &settings);
 

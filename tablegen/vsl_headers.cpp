@@ -1,10 +1,8 @@
 // What programs compile against: the C header and the Fortran module of random streams and tasks.
 #include "vsl_printers.h"
 
-#include <algorithm>
-#include <cctype>
-#include <fstream>
-#include <map>
+#include "constants.h"
+
 #include <ostream>
 #include <sstream>
 
@@ -63,77 +61,6 @@ std::string address_list(const vsl_routine &row)
     return text;
 }
 
-/// An expression of literals, names, `+`, `|`, `<<` from left to right, as the header's constants are.
-class constant_reader {
-  public:
-    /// Whether the line is a constant; its name and value are then kept.
-    bool read(const std::string &text)
-    {
-        std::istringstream words(text);
-        std::string define;
-        name_.clear();
-        if (!(words >> define >> name_) || define != "#define")
-            return false;
-        std::string operation = "+", word;
-        long long value = 0;
-        bool any = false;
-        while (words >> word) {
-            if (word == "+" || word == "|" || word == "<<") {
-                operation = word;
-                continue;
-            }
-            const bool literal = std::isdigit(static_cast<unsigned char>(word[0])) || word[0] == '-';
-            if (!literal && !values_.contains(word))
-                return false;
-            const long long right = literal ? std::stoll(word, nullptr, 0) : values_.at(word);
-            value = operation == "<<" ? value << right : operation == "|" ? value | right : value + right;
-            any = true;
-        }
-        if (any)
-            values_[name_] = value;
-        return any;
-    }
-
-    const std::string &name() const { return name_; }
-    long long value() const { return values_.at(name_); }
-
-  private:
-    std::string name_;
-    std::map<std::string, long long> values_;
-};
-
-/// The lines of a header, continued ones joined, without comments and parentheses.
-std::vector<std::string> definitions(const std::string &file)
-{
-    std::ifstream in(file);
-    if (!in)
-        throw table_error(file + ": can't be opened");
-    std::vector<std::string> lines;
-    bool continued = false;
-    for (std::string line; std::getline(in, line);) {
-        line.resize(std::min(line.size(), line.find("/*")));
-        std::erase_if(line, [](char c) { return c == '(' || c == ')'; });
-        const bool goes_on = line.ends_with('\\');
-        if (goes_on)
-            line.pop_back();
-        if (continued)
-            lines.back() += line;
-        else
-            lines.push_back(line);
-        continued = goes_on;
-    }
-    return lines;
-}
-
-void print_constants(std::ostream &out, const std::string &file)
-{
-    constant_reader reader;
-    for (const std::string &line : definitions(file))
-        if (reader.read(line))
-            out << "  integer(c_int64_t), parameter :: " << reader.name() << " = " << reader.value()
-                << "_c_int64_t\n";
-}
-
 void print_interface(std::ostream &out, const vsl_routine &row)
 {
     const bool bound = row.is != vsl_routine::frame::task;
@@ -177,7 +104,7 @@ void print_vsl_fortran(std::ostream &out, const vsl_routines &routines, const st
            "variables of\n"
         << "! type(c_ptr); names of files end with c_null_char.\n"
         << "module xkl_vsl\n  use, intrinsic :: iso_c_binding\n  implicit none\n";
-    print_constants(out, constants);
+    print_header_constants(out, constants);
     out << "  interface\n";
     std::string about;
     for (const vsl_routine &row : routines) {

@@ -76,6 +76,17 @@ void print_served()
         "A missing entry ends the process with a line that names it; `xkl info --missing` lists them.\n");
 }
 
+/// Opened here, as a program's first call would; or why that fails.
+std::string kernel_library()
+{
+    constexpr int no_kernel_library = 771;
+    auto *load = from_core<void *()>("xkl_serv_load_vml");
+    auto *message = from_core<const char *(int number, int)>("xkl_serv_get_msg");
+    if (void *kernels = load ? load() : nullptr)
+        return file_of(dlsym(kernels, "xkl_vml_kernel_GetMode"));
+    return message ? message(no_kernel_library, 0) : "(unknown)";
+}
+
 int print_info()
 {
     char text[200];
@@ -84,8 +95,7 @@ int print_info()
     std::printf("%-20s %s\n", "interface library", file_of(reinterpret_cast<void *>(dgemm)).c_str());
     std::printf("%-20s %s\n", "core library",
                 file_of(reinterpret_cast<void *>(from_core<void()>("xkl_serv_get_version"))).c_str());
-    void *kernels = dlopen("libxkl_kernels.so", RTLD_LAZY | RTLD_NOLOAD);
-    std::printf("%-20s %s\n", "kernel library", kernels ? "loaded" : "not loaded");
+    std::printf("%-20s %s\n", "kernel library", kernel_library().c_str());
     xkl_version version;
     XKL_Get_Version(&version);
     std::printf("%-20s %s, built by %s\n", "dense kernels", version.kernels, version.build);

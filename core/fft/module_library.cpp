@@ -1,6 +1,7 @@
 // Opens the transform module.
 #include "fft/descriptor.h"
 
+#include "service/beside_core.h"
 #include "service/environment.h"
 #include "service/kernel_threads.h"
 #include "service/messages.h"
@@ -29,12 +30,7 @@ std::string module_file()
 {
     if (const char *named = core::environment_value("XKL_CORE_FFT"))
         return named;
-    const std::string file = "libxkl_core_fft.so";
-    Dl_info core;
-    if (!dladdr(reinterpret_cast<const void *>(&module_file), &core) || !core.dli_fname)
-        return file;
-    const std::string path = core.dli_fname;
-    return path.substr(0, path.rfind('/') + 1) + file;
+    return core::beside_core("libxkl_core_fft.so");
 }
 
 const module_functions *open_module()

@@ -68,10 +68,13 @@ inline int thread_count() noexcept
 using loop_body = void (*)(const void *context, int64_t index);
 void run_loop(int64_t count, int domain, double work_each, loop_body body, const void *context);
 
-// Calls body(0) to body(count - 1), each once, on as many threads as the domain allows; kernels in the body
-// run on one thread each. Too little work, a loop within a loop and a loop while another thread runs one
-// all stay on the calling thread. Few large items are run one after the other with all threads in the
-// kernels. The body must not throw.
+// Calls body(0) to body(count - 1), each once, on as many threads as the domain allows. Too little work, a
+// loop within a loop and a loop while another thread runs one all stay on the calling thread. The body must
+// not throw.
+//
+// Bodies of XKL_DOMAIN_BLAS may call kernels, which run on one thread each; few large items are run one after
+// the other with all threads in the kernels. Bodies of the other domains call none: such loops take no
+// turn, or a short one would wait for another thread's large product.
 template <class Body>
 void parallel_for(int64_t count, int domain, double work_each, const Body &body)
 {

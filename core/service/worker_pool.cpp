@@ -9,6 +9,7 @@
 #include <csignal>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <pthread.h>
 
 namespace xkl::core {
@@ -142,14 +143,20 @@ bool in_loop_body() noexcept
 void run_loop(int64_t count, int domain, double work_each, loop_body body, const void *context)
 {
     const int threads = static_cast<int>(std::min<int64_t>(threads_for(domain), count));
-    const bool few_large = count < threads_for(domain) && work_each >= work_for_all_threads;
+    const bool calls_kernels = domain == XKL_DOMAIN_BLAS;
+    const bool few_large =
+        calls_kernels && count < threads_for(domain) && work_each >= work_for_all_threads;
     if (threads > 1 && !few_large && static_cast<double>(count) * work_each >= loop_work_that_pays) {
-        const serial_kernels one_thread_each;
+        std::optional<serial_kernels> one_thread_each;
+        if (calls_kernels)
+            one_thread_each.emplace();
         shared_loop loop{body, context, count, std::max<int64_t>(count / (int64_t{threads} * 8), 1)};
         if (share_loop(threads, loop))
             return;
     }
-    const kernel_turn turn;
+    std::optional<kernel_turn> turn;
+    if (calls_kernels)
+        turn.emplace();
     run_alone(count, body, context);
 }
 

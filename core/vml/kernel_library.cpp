@@ -1,4 +1,5 @@
 // Opens the kernel library of vector math and statistics.
+#include "service/beside_core.h"
 #include "service/environment.h"
 #include "service/messages.h"
 #include "service/service_entries.h"
@@ -13,12 +14,7 @@ std::string kernel_library_file()
 {
     if (const char *named = xkl::core::environment_value("XKL_KERNELS"))
         return named;
-    const std::string file = "libxkl_kernels.so";
-    Dl_info core;
-    if (!dladdr(reinterpret_cast<const void *>(&kernel_library_file), &core) || !core.dli_fname)
-        return file;
-    const std::string path = core.dli_fname;
-    return path.substr(0, path.rfind('/') + 1) + file;
+    return xkl::core::beside_core("libxkl_kernels.so");
 }
 
 } // namespace

@@ -1,5 +1,15 @@
-// How Boost.Math is called: errors are values, and a function computes in the type of its argument.
+// How Boost.Math is called: errors are values, and a function computes in the type of its argument. Included
+// ahead of its other headers.
 #pragma once
+
+// Some of its functions call others without the policy that they were called with. These would throw, or end
+// the process by an assertion, for orders in the thousands.
+#define BOOST_DISABLE_ASSERTS
+#define BOOST_MATH_DOMAIN_ERROR_POLICY ignore_error
+#define BOOST_MATH_POLE_ERROR_POLICY ignore_error
+#define BOOST_MATH_OVERFLOW_ERROR_POLICY ignore_error
+#define BOOST_MATH_EVALUATION_ERROR_POLICY ignore_error
+#define BOOST_MATH_ROUNDING_ERROR_POLICY ignore_error
 
 #include <boost/math/policies/policy.hpp>
 

@@ -15,8 +15,9 @@ long double modified_bessel(int order, long double x);
 /// How close to the true value: doubles; 4 ULP of a double; 1 ULP of a double
 enum class effort { least, less, most };
 
-/// J and Y; an order that is not an integer has no values for x < 0. Near their zeros `most` is worse for
-/// orders other than 0 and 1: within 2**-60 of the waves' amplitude, as is `less` for all.
+/// J and Y of orders below 2**29 in size; J has values for x < 0 if its order is an integer. Near their
+/// zeros `most` is worse for orders other than 0 and 1: within 2**-60 of the waves' amplitude, as is `less`
+/// for all.
 double bessel_j(double order, double x, effort wanted);
 double bessel_y(double order, double x, effort wanted);
 

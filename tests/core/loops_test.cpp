@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <optional>
 #include <set>
 #include <sys/wait.h>
 #include <thread>
@@ -123,6 +124,23 @@ TEST_F(Loops, ManyCallersAtOnceWithKernelsInTheBodies)
     for (std::thread &each : callers)
         each.join();
     EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(Loops, WithoutKernelsWaitForNoTurn)
+{
+    xkl_serv_set_num_threads_local(2); // so that kernels take turns
+    std::optional<kernel_turn> large_product(std::in_place);
+    std::atomic<int> visits{0};
+    std::thread other([&visits] {
+        for (const int domain : {XKL_DOMAIN_FFT, XKL_DOMAIN_VML, XKL_DOMAIN_SPARSE})
+            for (const double work : {1., worth_it}) // alone, shared
+                parallel_for(100, domain, work, [&visits](int64_t) { ++visits; });
+    });
+    for (int waited = 0; visits < 600 && waited < 2000; ++waited)
+        usleep(5000);
+    EXPECT_EQ(visits, 600);
+    large_product.reset();
+    other.join();
 }
 
 TEST_F(Loops, ChildOfAForkHasItsOwnThreads)

@@ -71,12 +71,12 @@ eval "cc -std=c11 -Wall -Wextra -Werror '$users/c_user.c' -o by_pkg_config $flag
 step "plain compilers"
 cc "-I$prefix/include/xkl" "$users/c_user.c" -o plain_c "-L$prefix/lib" -lxkl_quorl_ilp64
 c++ "-I$prefix/include/xkl" "$users/cpp_user.cpp" -o plain_cpp "-L$prefix/lib" -lxkl_quorl_ilp64
-gfortran -fdefault-integer-8 "$prefix/include/xkl/xkl_blas.f90" "$users/fortran_user.f90" -o plain_fortran \
+gfortran -fdefault-integer-8 "$prefix/include/xkl/xkl_blas.f90" "$prefix/include/xkl/xkl_vml.f90" "$users/fortran_user.f90" -o plain_fortran \
     "-L$prefix/lib" -lxkl_quorl_gf_ilp64 -lxkl_quorl_ilp64
 for program in ./plain_c ./plain_cpp ./plain_fortran; do $program; done
 
 step "a gfortran program with the companion in the second place is wrong, as the documents warn"
-gfortran -fdefault-integer-8 "$prefix/include/xkl/xkl_blas.f90" "$users/fortran_user.f90" -o wrong_order \
+gfortran -fdefault-integer-8 "$prefix/include/xkl/xkl_blas.f90" "$prefix/include/xkl/xkl_vml.f90" "$users/fortran_user.f90" -o wrong_order \
     "-L$prefix/lib" -lxkl_quorl_ilp64 -lxkl_quorl_gf_ilp64
 if ./wrong_order >/dev/null 2>&1; then fail "the order of the two libraries does not matter any more"; fi
 
@@ -85,5 +85,7 @@ step "Python's ctypes, and the tool"
 python3 -c 'import ctypes, sys; print("Python:", ctypes.CDLL(sys.argv[1]).cblas_idamax)' \
     "$prefix/lib/libxkl_quorl_ilp64.so" >/dev/null
 "$prefix/bin/xkl" info >"$scratch/info.txt" || fail "xkl info ended with an error: $(cat "$scratch/info.txt")"
-grep -qF "$prefix/lib" "$scratch/info.txt" || fail "xkl info found other libraries than the installed ones"
+for library in libxkl_quorl_ilp64.so libxkl_core.so libxkl_kernels.so; do
+    grep -qF " $prefix/lib/$library" "$scratch/info.txt" || fail "xkl info found another $library than the installed one"
+done
 echo "-- the installed tree works on its own"

@@ -12,7 +12,7 @@
 /// One part of an argument's domain
 class range {
   public:
-    /// As data/accuracy.tbl spells it, for floats (`single`) or doubles
+    /// As kernels/accuracy.tbl spells it, for floats (`single`) or doubles
     range(const std::string &text, bool single);
 
     double random(std::mt19937_64 &generator) const;

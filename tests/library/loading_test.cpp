@@ -43,4 +43,18 @@ TEST(loading, everything_bound_at_once_computes)
     EXPECT_EQ(dlclose(library), 0);
 }
 
+// In a process of its own, which has no core yet.
+TEST(loading, libraries_beside_the_core_are_found_from_another_working_directory)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto opens_kernels = [] {
+        std::filesystem::current_path(std::filesystem::path(INTERFACE_LIBRARY).parent_path());
+        void *core = dlopen("./libxkl_core.so", RTLD_NOW);
+        std::filesystem::current_path("/");
+        auto *load = core ? reinterpret_cast<void *(*)()>(dlsym(core, "xkl_serv_load_vml")) : nullptr;
+        return load && load();
+    };
+    EXPECT_EXIT(_exit(opens_kernels() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
 } // namespace

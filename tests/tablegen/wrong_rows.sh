@@ -107,6 +107,13 @@ expect_setting() {
     refused "$1" "$2" vml-settings --vml "$scratch/right.tbl" --settings "$scratch/wrong.tbl"
 }
 
+# expect_errors MESSAGE ROW: a row of the table of errors, beside which Exp is a function
+expect_errors() {
+    printf 'Exp d 1i_1o\n' >"$scratch/right.tbl"
+    printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
+    refused "$1" "$2" vml-header --vml "$scratch/right.tbl" --option "$scratch/wrong.tbl"
+}
+
 expect_vml 'the columns name, types and class' 'Exp s,d'
 expect_vml 'unknown class `1i`' 'Exp s,d 1i'
 expect_vml '`q` is no type' 'Exp s,q 1i_1o'
@@ -120,6 +127,10 @@ expect_kernel 'three numbers' 'Exp s exponential 1,1'
 expect_kernel 'three numbers' 'Exp s exponential 1,1,1,1'
 expect_kernel 'has a kernel already' 'Exp s exponential 1,1,1
 Exp s exponential 1,1,1'
+expect_errors 'the errors in three modes' 'Exp d 1 4'
+printf '\n\nLn d 1i_1o\n' >"$scratch/wrong.tbl"
+printf 'Exp d 1 4 half\n' >"$scratch/right.tbl"
+refused 'nothing is said about the errors of dLn' 'Ln' vml-header --vml "$scratch/wrong.tbl" --option "$scratch/right.tbl"
 expect_fftw() {
     printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
     refused "$1" "$2" fftw-frames --fftw "$scratch/wrong.tbl"
