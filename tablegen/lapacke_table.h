@@ -1,6 +1,6 @@
 // The LAPACKE tables: what a routine's C functions check, obtain and copy around the call of its Fortran
 // frame. A row says only what does not follow from the rules; here everything is spelled out, one record a
-// function. tablegen/README.md has the grammar and the rules.
+// function. tablegen/LAPACKE.md has the grammar and the rules.
 #pragma once
 
 #include "lapacke_expression.h"
