@@ -42,7 +42,7 @@ list(TRANSFORM XKL_VSL_TABLES APPEND .tbl)
 set(XKL_CONV_TABLES ${PROJECT_SOURCE_DIR}/src/vsl/entries.tbl) # of the core
 
 # For ./dev, which reads no CMake.
-foreach(family BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY VSL SPBLAS INSPECTOR SOLVERS RCI)
+foreach(family SERVICE BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY VSL SPBLAS INSPECTOR SOLVERS RCI)
   string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
   file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
 endforeach()
