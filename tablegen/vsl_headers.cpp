@@ -1,4 +1,5 @@
 // What programs compile against: the C header and the Fortran module of random streams and tasks.
+#include "table_lines.h"
 #include "vsl_printers.h"
 
 #include <algorithm>
@@ -44,24 +45,6 @@ const char header_text[] =
 extern "C" {
 #endif
 )";
-
-std::string comment(const std::string &about, const std::string &start, const std::string &next,
-                    const std::string &end)
-{
-    std::istringstream lines(about);
-    std::string text = start, line;
-    for (bool first = true; std::getline(lines, line); first = false)
-        text += (first ? "" : next) + line;
-    return text + end;
-}
-
-std::string address_list(const vsl_routine &row)
-{
-    std::string text;
-    for (const vsl_argument &each : row.arguments)
-        text += (text.empty() ? "" : ", ") + vsl_address_type(each, row.element) + each.name;
-    return text;
-}
 
 /// An expression of literals, names, `+`, `|`, `<<` from left to right, as the header's constants are.
 class constant_reader {
@@ -163,7 +146,7 @@ void print_vsl_header(std::ostream &out, const vsl_routines &routines)
         if (!row.other.empty())
             out << "int32_t " << row.other << "(" << list << ");\n";
         for (const std::string &name : vsl_fortran_names(row))
-            out << "int32_t " << name << "(" << address_list(row) << ");\n";
+            out << "int32_t " << name << "(" << vsl_addressed(row) << ");\n";
     }
     out << "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
 }
