@@ -2,6 +2,7 @@
 #include "xkl.h"
 
 #include <dlfcn.h>
+#include <link.h>
 #include <unistd.h>
 
 #include <climits>
@@ -29,6 +30,18 @@ std::string file_of(const void *address)
         return "(unknown)";
     char path[PATH_MAX];
     return realpath(found.dli_fname, path) ? path : found.dli_fname;
+}
+
+/// The file of a library that the core opened, by the library's own name: an environment variable may have named
+/// a file whose library calls itself something else.
+std::string file_of_loaded(const char *name)
+{
+    void *library = dlopen(name, RTLD_LAZY | RTLD_NOLOAD);
+    link_map *entry = nullptr;
+    if (!library || dlinfo(library, RTLD_DI_LINKMAP, &entry) != 0)
+        return "(loaded under another name)";
+    char path[PATH_MAX];
+    return realpath(entry->l_name, path) ? path : entry->l_name;
 }
 
 // What the default core tells about itself; another core may lack these.
@@ -76,6 +89,28 @@ void print_served()
         "A missing entry ends the process with a line that names it; `xkl info --missing` lists them.\n");
 }
 
+/// What the core opens for vector math, or why it can't.
+std::string kernel_library()
+{
+    auto *load = from_core<void *()>("xkl_serv_load_vml");
+    auto *message = from_core<const char *(int, int)>("xkl_serv_get_msg");
+    constexpr int message_no_kernel_library = 771;
+    if (!load || !message)
+        return "(unknown)";
+    return load() ? file_of_loaded("libxkl_kernels.so") : message(message_no_kernel_library, 0);
+}
+
+/// What the core opens for its first descriptor, or why it can't.
+std::string transform_module()
+{
+    DFTI_DESCRIPTOR_HANDLE transform = nullptr;
+    const long status = DftiCreateDescriptor(&transform, DFTI_DOUBLE, DFTI_COMPLEX, 1, int64_t{2});
+    if (status != DFTI_NO_ERROR)
+        return DftiErrorMessage(status);
+    DftiFreeDescriptor(&transform);
+    return file_of_loaded("libxkl_core_fft.so");
+}
+
 int print_info()
 {
     char text[200];
@@ -84,8 +119,8 @@ int print_info()
     std::printf("%-20s %s\n", "interface library", file_of(reinterpret_cast<void *>(dgemm)).c_str());
     std::printf("%-20s %s\n", "core library",
                 file_of(reinterpret_cast<void *>(from_core<void()>("xkl_serv_get_version"))).c_str());
-    void *kernels = dlopen("libxkl_kernels.so", RTLD_LAZY | RTLD_NOLOAD);
-    std::printf("%-20s %s\n", "kernel library", kernels ? "loaded" : "not loaded");
+    std::printf("%-20s %s\n", "kernel library", kernel_library().c_str());
+    std::printf("%-20s %s\n", "transform module", transform_module().c_str());
     xkl_version version;
     XKL_Get_Version(&version);
     std::printf("%-20s %s, built by %s\n", "dense kernels", version.kernels, version.build);
