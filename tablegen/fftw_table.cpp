@@ -1,11 +1,10 @@
 // Reads the table of the FFTW3 interface.
 #include "fftw_table.h"
 
-#include "table_lines.h"
-
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <sstream>
 
 namespace tablegen {
 namespace {
@@ -41,6 +40,15 @@ const std::map<std::string, fftw_kind> &kinds()
     return all;
 }
 
+std::vector<std::string> words_of(const std::string &line)
+{
+    std::istringstream words(line);
+    std::vector<std::string> all;
+    for (std::string word; words >> word;)
+        all.push_back(word);
+    return all;
+}
+
 class reader {
   public:
     explicit reader(const std::string &file) : file_(file) {}
@@ -49,7 +57,7 @@ class reader {
     {
         std::ifstream in(file_);
         if (!in)
-            throw table_error(file_ + ": can't be opened; check the list of tables in cmake/tables.cmake");
+            throw table_error(file_ + ": can't be opened");
         std::string line;
         for (; std::getline(in, line); ++number_) {
             if (line.starts_with("#: "))

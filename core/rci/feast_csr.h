@@ -1,5 +1,5 @@
-// FEAST for sparse matrices: compressed rows, indices from 1. The shifted systems are solved by the engines
-// of the direct solvers; their pattern, that of A and B together, is analysed once.
+// FEAST for sparse matrices: compressed rows, indices from 1. The shifted systems are solved by the sparse
+// LU factors of Eigen; their pattern, that of A and B together, is analysed once.
 #pragma once
 
 #include "feast_drive.h"
