@@ -5,7 +5,6 @@
 #include "lapack/call.h"
 #include "service/service_entries.h"
 
-#include <functional>
 #include <thread>
 
 namespace {

@@ -3,7 +3,6 @@
 #include "pardiso_problems.h"
 
 #include <cmath>
-#include <cstring>
 #include <unistd.h>
 
 namespace {
