@@ -9,7 +9,7 @@ namespace tablegen {
 
 /// What the command line asks for
 struct request {
-    std::string command, output, shapes, vml, settings, fftw, module, option;
+    std::string command, output, shapes, vml, settings, fftw, template_file, option;
     std::vector<std::string> tables, providers, lapacke, vsl;
 };
 
