@@ -119,9 +119,8 @@ typedef struct {
 typedef int32_t (*xkl_progress_handler)(const int64_t *thread, const int64_t *step, const char *stage,
                                         int64_t length);
 
-/* Asked about a pivot up to the threshold: it may change the pivot and returns 1 then, else 0. `diagonal` is
- * the matrix's own element; for complex matrices that are not Hermitian all three are absolute values. */
-typedef int32_t (*xkl_pivot_handler)(const double *diagonal, double *pivot, const double *threshold);
+/* May change a small pivot: gets the matrix's own element, the pivot, the threshold; returns 1 if it did. */
+typedef int32_t (*xkl_pivot_handler)(const double *pivot, double *replaced, const double *threshold);
 
 /* Tells whether an eigenvalue is selected, from its parts: (re, im) or (w) for one matrix, (alphar, alphai,
  * beta) or (alpha, beta) for a pair, all by address. The result is a logical, as wide as an integer. */

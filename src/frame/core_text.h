@@ -14,5 +14,5 @@ void xkl_serv_default_xerbla(const char *name, const int64_t *position, int64_t 
 int32_t xkl_serv_default_progress(const int64_t *thread, const int64_t *step, const char *stage,
                                   int64_t length);
 void xkl_serv_set_progress_interface(xkl_progress_handler handler);
-int32_t xkl_serv_default_pardiso_pivot(const double *diagonal, double *pivot, const double *threshold);
+int32_t xkl_serv_default_pardiso_pivot(const double *pivot, double *replaced, const double *threshold);
 }

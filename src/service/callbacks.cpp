@@ -49,24 +49,24 @@ int32_t XKL_PROGRESS(const int64_t *thread, const int64_t *step, const char *sta
     return xkl_serv_default_progress(thread, step, stage, length);
 }
 
-int32_t cdecl_pardiso_pivot(const double *diagonal, double *pivot, const double *threshold)
+int32_t cdecl_pardiso_pivot(const double *pivot, double *replaced, const double *threshold)
 {
-    return xkl_pardiso_pivot(diagonal, pivot, threshold);
+    return xkl_pardiso_pivot(pivot, replaced, threshold);
 }
-int32_t xkl_pardiso_pivot(const double *diagonal, double *pivot, const double *threshold)
+int32_t xkl_pardiso_pivot(const double *pivot, double *replaced, const double *threshold)
 {
-    return xkl_pardiso_pivot_(diagonal, pivot, threshold);
+    return xkl_pardiso_pivot_(pivot, replaced, threshold);
 }
-int32_t xkl_pardiso_pivot_(const double *diagonal, double *pivot, const double *threshold)
+int32_t xkl_pardiso_pivot_(const double *pivot, double *replaced, const double *threshold)
 {
-    return XKL_PARDISO_PIVOT_(diagonal, pivot, threshold);
+    return XKL_PARDISO_PIVOT_(pivot, replaced, threshold);
 }
-int32_t XKL_PARDISO_PIVOT_(const double *diagonal, double *pivot, const double *threshold)
+int32_t XKL_PARDISO_PIVOT_(const double *pivot, double *replaced, const double *threshold)
 {
-    return XKL_PARDISO_PIVOT(diagonal, pivot, threshold);
+    return XKL_PARDISO_PIVOT(pivot, replaced, threshold);
 }
-int32_t XKL_PARDISO_PIVOT(const double *diagonal, double *pivot, const double *threshold)
+int32_t XKL_PARDISO_PIVOT(const double *pivot, double *replaced, const double *threshold)
 {
-    return xkl_serv_default_pardiso_pivot(diagonal, pivot, threshold);
+    return xkl_serv_default_pardiso_pivot(pivot, replaced, threshold);
 }
 }
