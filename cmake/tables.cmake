@@ -51,8 +51,8 @@ set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sourc
 set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
 
-# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s] [VSL t...]
-#              [FFTW f] [TEMPLATE f] [OPTION text])
+# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s]
+#              [VSL t...] [FFTW f] [TEMPLATE f] [OPTION text])
 function(xkl_generate output command)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;FFTW;TEMPLATE;OPTION"
       "TABLES;PROVIDERS;LAPACKE;VSL")

@@ -15,7 +15,8 @@ struct request {
 
 extern const char usage[];
 
-/// Reads the tables and prints; throws a table_error for anything that is wrong with them or with the request.
+/// Reads the tables and prints; throws a table_error for anything that is wrong with them or with the
+/// request.
 void run(const request &asked, std::ostream &out);
 
 } // namespace tablegen

@@ -1,4 +1,5 @@
-// Rows of words, which most tables consist of: what stands in a line, where it stands, and what is said about it.
+// Rows of words, which most tables consist of: what stands in a line, where it stands, and what is said
+// about it.
 #pragma once
 
 #include "table.h"
@@ -16,7 +17,8 @@ struct table_line {
     [[noreturn]] void fail(const std::string &what) const { throw table_error(place + ": " + what); }
 };
 
-/// The rows of a file. Lines of `#:` that follow each other make one description, which holds up to the next one.
+/// The rows of a file. Lines of `#:` that follow each other make one description, which holds up to the
+/// next one.
 std::vector<table_line> read_lines(const std::string &file);
 
 std::vector<std::string> words_of(const std::string &text);

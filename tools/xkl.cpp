@@ -32,8 +32,8 @@ std::string file_of(const void *address)
     return realpath(found.dli_fname, path) ? path : found.dli_fname;
 }
 
-/// The file of a library that the core opened, by the library's own name: an environment variable may have named
-/// a file whose library calls itself something else.
+/// The file of a library that the core opened, by the library's own name: an environment variable may
+/// have named a file whose library calls itself something else.
 std::string file_of_loaded(const char *name)
 {
     void *library = dlopen(name, RTLD_LAZY | RTLD_NOLOAD);

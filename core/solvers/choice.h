@@ -1,4 +1,5 @@
-// Which engine takes a matrix, and in which order of elimination: by its order, its kind, and what iparm asks for.
+// Which engine takes a matrix, and in which order of elimination: by its order, its kind, and what iparm
+// asks for.
 #pragma once
 
 #include "solvers/ordering.h"

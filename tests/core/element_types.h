@@ -1,5 +1,6 @@
-// The four element types, as the standard library has them, and what tests of all families do with elements. The
-// library's headers let a program choose its complex types; that choice must be made ahead of the first of them.
+// The four element types, as the standard library has them, and what tests of all families do with
+// elements. The library's headers let a program choose its complex types; that choice must be made ahead
+// of the first of them.
 #pragma once
 
 #include <complex>

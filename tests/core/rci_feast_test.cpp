@@ -36,8 +36,8 @@ constexpr auto drivers()
                                zfeast_hcsrgv);
 }
 
-/// A tridiagonal matrix of order n with equal elements along its diagonals, or, for complex types, one that is
-/// similar to it by phases: its eigenvalues are diagonal + 2 beside cos(k pi/(n+1)).
+/// A tridiagonal matrix of order n with equal elements along its diagonals, or, for complex types, one
+/// that is similar to it by phases: its eigenvalues are diagonal + 2 beside cos(k pi/(n+1)).
 template <class T>
 struct tridiagonal {
     int64_t n;
