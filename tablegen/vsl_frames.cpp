@@ -71,6 +71,14 @@ std::string read_through(const vsl_routine &row)
     return text;
 }
 
+std::string by_address(const vsl_routine &row)
+{
+    std::string text;
+    for (const vsl_argument &each : row.arguments)
+        text += (text.empty() ? "" : ", ") + vsl_address_type(each, row.element) + each.name;
+    return text;
+}
+
 } // namespace
 
 std::string vsl_declared(const std::vector<vsl_argument> &arguments, char element)
@@ -79,14 +87,6 @@ std::string vsl_declared(const std::vector<vsl_argument> &arguments, char elemen
     for (const vsl_argument &each : arguments)
         text += (text.empty() ? "" : ", ") + vsl_c_type(each, element) + each.name;
     return text.empty() ? "void" : text;
-}
-
-std::string vsl_addressed(const vsl_routine &row)
-{
-    std::string text;
-    for (const vsl_argument &each : row.arguments)
-        text += (text.empty() ? "" : ", ") + vsl_address_type(each, row.element) + each.name;
-    return text;
 }
 
 void print_vsl_frames(std::ostream &out, const vsl_routines &routines)
@@ -113,7 +113,7 @@ void print_vsl_tasks(std::ostream &out, const vsl_routines &routines)
         const std::vector<std::string> fortran = vsl_fortran_names(row);
         out << "\n// " << row.place << "\nextern \"C\" {\nint32_t " << row.name << "("
             << vsl_declared(row.arguments, row.element) << ")\n{\n    return " << rule << "("
-            << passed(row.arguments) << ");\n}\nint32_t " << fortran[0] << "(" << vsl_addressed(row)
+            << passed(row.arguments) << ");\n}\nint32_t " << fortran[0] << "(" << by_address(row)
             << ")\n{\n    return " << rule << "(" << read_through(row) << ");\n}\n";
         for (std::size_t i = 1; i < fortran.size(); ++i)
             out << "decltype(" << fortran[0] << ") " << fortran[i] << " __attribute__((alias(\""

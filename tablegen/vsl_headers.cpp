@@ -46,6 +46,14 @@ extern "C" {
 #endif
 )";
 
+std::string address_list(const vsl_routine &row)
+{
+    std::string text;
+    for (const vsl_argument &each : row.arguments)
+        text += (text.empty() ? "" : ", ") + vsl_address_type(each, row.element) + each.name;
+    return text;
+}
+
 /// An expression of literals, names, `+`, `|`, `<<` from left to right, as the header's constants are.
 class constant_reader {
   public:
@@ -146,7 +154,7 @@ void print_vsl_header(std::ostream &out, const vsl_routines &routines)
         if (!row.other.empty())
             out << "int32_t " << row.other << "(" << list << ");\n";
         for (const std::string &name : vsl_fortran_names(row))
-            out << "int32_t " << name << "(" << vsl_addressed(row) << ");\n";
+            out << "int32_t " << name << "(" << address_list(row) << ");\n";
     }
     out << "\n#ifdef __cplusplus\n}\n#endif\n\n#endif\n";
 }

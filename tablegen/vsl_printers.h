@@ -25,7 +25,5 @@ void print_vsl_recording_kernels(std::ostream &out, const vsl_routines &routines
 
 /// `double *r, double a`
 std::string vsl_declared(const std::vector<vsl_argument> &arguments, char element);
-/// `double *r, const double *a`: the arguments of a task in Fortran
-std::string vsl_addressed(const vsl_routine &row);
 
 } // namespace tablegen

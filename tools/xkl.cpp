@@ -2,7 +2,6 @@
 #include "xkl.h"
 
 #include <dlfcn.h>
-#include <link.h>
 #include <unistd.h>
 
 #include <climits>
@@ -32,18 +31,6 @@ std::string file_of(const void *address)
     return realpath(found.dli_fname, path) ? path : found.dli_fname;
 }
 
-/// The file of a library that the core opened, by the library's own name: an environment variable may
-/// have named a file whose library calls itself something else.
-std::string file_of_loaded(const char *name)
-{
-    void *library = dlopen(name, RTLD_LAZY | RTLD_NOLOAD);
-    link_map *entry = nullptr;
-    if (!library || dlinfo(library, RTLD_DI_LINKMAP, &entry) != 0)
-        return "(loaded under another name)";
-    char path[PATH_MAX];
-    return realpath(entry->l_name, path) ? path : entry->l_name;
-}
-
 // What the default core tells about itself; another core may lack these.
 using manifest_type = int64_t(int64_t index, const char **family, const char **entry,
                               const char **provider);
@@ -53,6 +40,19 @@ template <class F>
 F *from_core(const char *name)
 {
     return reinterpret_cast<F *>(dlsym(RTLD_DEFAULT, name));
+}
+
+/// The module that the core opens for its first descriptor, or why it can't.
+std::string transform_module()
+{
+    DFTI_DESCRIPTOR_HANDLE transform = nullptr;
+    const long status = DftiCreateDescriptor(&transform, DFTI_DOUBLE, DFTI_COMPLEX, 1, int64_t{2});
+    if (status != DFTI_NO_ERROR)
+        return DftiErrorMessage(status);
+    DftiFreeDescriptor(&transform);
+    void *module = dlopen("libxkl_core_fft.so", RTLD_LAZY | RTLD_NOLOAD);
+    void *symbol = module ? dlsym(module, "xkl_core_fft_module") : nullptr;
+    return symbol ? file_of(symbol) : "(one that has another name)";
 }
 
 int print_missing()
@@ -89,26 +89,15 @@ void print_served()
         "A missing entry ends the process with a line that names it; `xkl info --missing` lists them.\n");
 }
 
-/// What the core opens for vector math, or why it can't.
+/// Opened here, as a program's first call would; or why that fails.
 std::string kernel_library()
 {
+    constexpr int no_kernel_library = 771;
     auto *load = from_core<void *()>("xkl_serv_load_vml");
-    auto *message = from_core<const char *(int, int)>("xkl_serv_get_msg");
-    constexpr int message_no_kernel_library = 771;
-    if (!load || !message)
-        return "(unknown)";
-    return load() ? file_of_loaded("libxkl_kernels.so") : message(message_no_kernel_library, 0);
-}
-
-/// What the core opens for its first descriptor, or why it can't.
-std::string transform_module()
-{
-    DFTI_DESCRIPTOR_HANDLE transform = nullptr;
-    const long status = DftiCreateDescriptor(&transform, DFTI_DOUBLE, DFTI_COMPLEX, 1, int64_t{2});
-    if (status != DFTI_NO_ERROR)
-        return DftiErrorMessage(status);
-    DftiFreeDescriptor(&transform);
-    return file_of_loaded("libxkl_core_fft.so");
+    auto *message = from_core<const char *(int number, int)>("xkl_serv_get_msg");
+    if (void *kernels = load ? load() : nullptr)
+        return file_of(dlsym(kernels, "xkl_vml_kernel_GetMode"));
+    return message ? message(no_kernel_library, 0) : "(unknown)";
 }
 
 int print_info()
@@ -120,9 +109,9 @@ int print_info()
     std::printf("%-20s %s\n", "core library",
                 file_of(reinterpret_cast<void *>(from_core<void()>("xkl_serv_get_version"))).c_str());
     std::printf("%-20s %s\n", "kernel library", kernel_library().c_str());
-    std::printf("%-20s %s\n", "transform module", transform_module().c_str());
     xkl_version version;
     XKL_Get_Version(&version);
+    std::printf("%-20s %s\n", "transform module", transform_module().c_str());
     std::printf("%-20s %s, built by %s\n", "dense kernels", version.kernels, version.build);
     std::printf("%-20s %s, %.2f GHz\n", "processor", version.processor, XKL_Get_Max_Cpu_Frequency());
     std::printf("%-20s %d\n", "threads", XKL_Get_Max_Threads());

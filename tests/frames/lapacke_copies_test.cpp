@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <set>
 
@@ -157,62 +158,59 @@ TEST_F(lapacke_copies, every_element_keeps_its_place)
 
 // How many elements go in and come out: from the routines' documentation, with m = 7, n = 5, k = 3, p = 4,
 // nrhs = 3 and bands of 1 below and 2 above.
-struct copied_matrix {
-    const char *routine, *matrix;
-    int set;
-    int64_t in, out;
-};
-constexpr int64_t triangle = 15, square = 25; // of order n
-constexpr copied_matrix copied_matrices[] = {
-    {"dgetrf", "a", 0, 35, 35},
-    {"dgesv", "b", 0, 15, 15},
-    {"dposv", "a", 0, triangle, triangle},
-    {"zhesv", "a", 1, triangle, triangle},
-    {"dtrtri", "a", 0, triangle, triangle},
-    {"dtrtri", "a", 1, 10, 10},
-    {"dsyev", "a", 0, triangle, square},
-    {"dsyev", "a", 1, triangle, triangle},
-    {"zheevd", "a", 0, triangle, square},
-    {"dsyevr", "a", 0, triangle, triangle},
-    {"dsyevr", "z", 0, 0, square},
-    {"dsyevr", "z", 1, 0, 0},
-    {"dgesvd", "a", 0, 35, 35},
-    {"dgesvd", "u", 0, 0, 49},
-    {"dgesvd", "u", 1, 0, 35},
-    {"dgesvd", "vt", 1, 0, square},
-    {"dgeev", "vl", 0, 0, square},
-    {"dgeev", "vl", 1, 0, 0},
-    {"dgels", "b", 0, 21, 21},
-    {"dgeqrt", "t", 0, 0, 10},
-    {"dgesvx", "x", 0, 0, 15},
-    {"dgesvx", "af", 0, square, 0},
-    {"dgesvx", "af", 1, 0, square},
-    {"dgesvx", "b", 0, 15, 15},
-    {"dgetrs", "a", 0, square, 0},
-    {"zunmqr", "a", 0, 21, 0},
-    {"zunmqr", "c", 1, 35, 35},
-    {"dormrz", "a", 0, 21, 0},
-    {"dormrz", "a", 1, 15, 0},
-    {"zunmbr", "a", 1, 15, 0},
-    {"dhseqr", "z", 0, square, square},
-    {"dhseqr", "z", 1, 0, square},
-    {"dlaset", "a", 0, 35, 35},
-    {"zlacp2", "a", 0, 35, 0},
-    {"zlacp2", "b", 0, 0, 35},
-    {"dgbsv", "ab", 0, 18, 18},
-    {"dpbtrf", "ab", 0, 12, 12},
-    {"xkl_dgetrfnpi", "a", 0, 35, 35},
-    {"xkl_dtppack", "a", 0, 6, 0},
-    {"xkl_dtpunpack", "a", 1, 6, 6},
-    {"dlarfb", "v", 0, 15, 0},
-    {"dlaswp", "a", 0, 20, 20},
-    {"dpteqr", "z", 1, 0, square},
-    {"sggsvp", "v", 0, 0, 16},
-};
-
 TEST_F(lapacke_copies, matrices_are_copied_where_they_are_used)
 {
-    for (const copied_matrix &each : copied_matrices) {
+    struct expected {
+        const char *routine, *matrix;
+        int set;
+        int64_t in, out;
+    };
+    constexpr int64_t triangle = 15, square = 25; // of order n
+    static const expected all[] = {{"dgetrf", "a", 0, 35, 35},
+                                   {"dgesv", "b", 0, 15, 15},
+                                   {"dposv", "a", 0, triangle, triangle},
+                                   {"zhesv", "a", 1, triangle, triangle},
+                                   {"dtrtri", "a", 0, triangle, triangle},
+                                   {"dtrtri", "a", 1, 10, 10},
+                                   {"dsyev", "a", 0, triangle, square},
+                                   {"dsyev", "a", 1, triangle, triangle},
+                                   {"zheevd", "a", 0, triangle, square},
+                                   {"dsyevr", "a", 0, triangle, triangle},
+                                   {"dsyevr", "z", 0, 0, square},
+                                   {"dsyevr", "z", 1, 0, 0},
+                                   {"dgesvd", "a", 0, 35, 35},
+                                   {"dgesvd", "u", 0, 0, 49},
+                                   {"dgesvd", "u", 1, 0, 35},
+                                   {"dgesvd", "vt", 1, 0, square},
+                                   {"dgeev", "vl", 0, 0, square},
+                                   {"dgeev", "vl", 1, 0, 0},
+                                   {"dgels", "b", 0, 21, 21},
+                                   {"dgeqrt", "t", 0, 0, 10},
+                                   {"dgesvx", "x", 0, 0, 15},
+                                   {"dgesvx", "af", 0, square, 0},
+                                   {"dgesvx", "af", 1, 0, square},
+                                   {"dgesvx", "b", 0, 15, 15},
+                                   {"dgetrs", "a", 0, square, 0},
+                                   {"zunmqr", "a", 0, 21, 0},
+                                   {"zunmqr", "c", 1, 35, 35},
+                                   {"dormrz", "a", 0, 21, 0},
+                                   {"dormrz", "a", 1, 15, 0},
+                                   {"zunmbr", "a", 1, 15, 0},
+                                   {"dhseqr", "z", 0, square, square},
+                                   {"dhseqr", "z", 1, 0, square},
+                                   {"dlaset", "a", 0, 35, 35},
+                                   {"zlacp2", "a", 0, 35, 0},
+                                   {"zlacp2", "b", 0, 0, 35},
+                                   {"dgbsv", "ab", 0, 18, 18},
+                                   {"dpbtrf", "ab", 0, 12, 12},
+                                   {"xkl_dgetrfnpi", "a", 0, 35, 35},
+                                   {"xkl_dtppack", "a", 0, 6, 0},
+                                   {"xkl_dtpunpack", "a", 1, 6, 6},
+                                   {"dlarfb", "v", 0, 15, 0},
+                                   {"dlaswp", "a", 0, 20, 20},
+                                   {"dpteqr", "z", 1, 0, square},
+                                   {"sggsvp", "v", 0, 0, 16}};
+    for (const expected &each : all) {
         SCOPED_TRACE(std::string(each.routine) + " " + each.matrix + (each.set ? ", second set" : ""));
         reset();
         observed_call observed(row_of(each.routine), each.set);

@@ -86,6 +86,6 @@ python3 -c 'import ctypes, sys; print("Python:", ctypes.CDLL(sys.argv[1]).cblas_
     "$prefix/lib/libxkl_quorl_ilp64.so" >/dev/null
 "$prefix/bin/xkl" info >"$scratch/info.txt" || fail "xkl info ended with an error: $(cat "$scratch/info.txt")"
 for library in libxkl_quorl_ilp64.so libxkl_core.so libxkl_kernels.so; do
-    grep -qF "$prefix/lib/$library" "$scratch/info.txt" || fail "xkl info found another $library than the installed one"
+    grep -qF " $prefix/lib/$library" "$scratch/info.txt" || fail "xkl info found another $library than the installed one"
 done
 echo "-- the installed tree works on its own"
