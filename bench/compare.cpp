@@ -31,7 +31,8 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
-/// Threads of a kernel library spin for a while after their last work, and would take the other one's processors.
+/// Threads of a kernel library spin for a while after their last work, and would take the other one's
+/// processors.
 constexpr std::chrono::milliseconds until_threads_sleep{150};
 
 double time_of(const std::function<void(long)> &repeat, long count, bool threaded)
@@ -45,7 +46,8 @@ double time_of(const std::function<void(long)> &repeat, long count, bool threade
     return (seconds() - start) / static_cast<double>(count);
 }
 
-/// Times both in turn, ours and theirs, so that a noisy machine disturbs both alike; prints medians and the ratio's median.
+/// Times both in turn, ours and theirs, so that a noisy machine disturbs both alike; prints medians and
+/// the ratio's median.
 void compare(const char *name, const std::function<void(long)> &ours,
              const std::function<void(long)> &theirs, long count, double flops)
 {

@@ -43,7 +43,7 @@ list(TRANSFORM XKL_VSL_TABLES APPEND .tbl)
 set(XKL_CONV_TABLES ${PROJECT_SOURCE_DIR}/src/vsl/entries.tbl) # of the core
 
 # For ./dev, which reads no CMake.
-foreach(family BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY VSL SPBLAS INSPECTOR SOLVERS RCI)
+foreach(family SERVICE BLAS DFTI LAPACK LAPACKE LAPACKE_BASE MATCOPY VSL SPBLAS INSPECTOR SOLVERS RCI)
   string(JOIN " " tables_in_a_line ${XKL_${family}_TABLES})
   file(WRITE ${PROJECT_BINARY_DIR}/tables-${family}.txt "${tables_in_a_line}\n")
 endforeach()
@@ -52,8 +52,8 @@ set(XKL_GENERATED ${PROJECT_BINARY_DIR}/generated) # for the library's own sourc
 set(XKL_GENERATED_INCLUDE ${XKL_GENERATED}/include) # what is installed
 file(MAKE_DIRECTORY ${XKL_GENERATED_INCLUDE})
 
-# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s] [VSL t...]
-#              [FFTW f] [TEMPLATE f] [OPTION text])
+# xkl_generate(OUTPUT COMMAND [TABLES t...] [SHAPES s] [PROVIDERS p...] [LAPACKE t...] [VML v] [SETTINGS s]
+#              [VSL t...] [FFTW f] [TEMPLATE f] [OPTION text])
 function(xkl_generate output command)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;FFTW;TEMPLATE;OPTION"
       "TABLES;PROVIDERS;LAPACKE;VSL")

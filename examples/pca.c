@@ -75,6 +75,33 @@ static void compare(const char *what, double computed, double published, int dec
     wrong += !agrees;
 }
 
+/* The flowers along the components: a traced call, and one with a bad argument. */
+static void project(double x[flowers][traits], double component[traits][traits], double published_variance)
+{
+    /* One switch makes the library tell what it was asked to do, and how long that took. The C call was
+     * row-major, so the line shows the column-major product that stands for it: operands exchanged. */
+    double scores[flowers][traits];
+    printf("\nThe flowers in the new coordinates, with tracing on:\n");
+    fflush(stdout);
+    XKL_Verbose(1);
+    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, flowers, traits, traits, 1.0, *x, traits,
+                *component, traits, 0.0, *scores, traits);
+    XKL_Verbose(0);
+    const double variance =
+        cblas_ddot(flowers, &scores[0][0], traits, &scores[0][0], traits) / (flowers - 1);
+    compare("variance of the first", variance, published_variance, 4);
+
+    /* A row of x has 4 elements; a leading dimension of 3 would mix the rows up. */
+    printf("\nThe same product with lda = 3, a bad argument (place 9 in the C list):\n");
+    fflush(stdout);
+    const double kept = scores[0][0];
+    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, flowers, traits, traits, 1.0, *x, 3, *component,
+                traits, 0.0, *scores, traits);
+    if (scores[0][0] != kept)
+        ++wrong;
+    printf("  ... and the result is %s.\n", scores[0][0] == kept ? "as it was" : "CHANGED");
+}
+
 int main(int argc, char **argv)
 {
     /* As published for this data set: the eigenvalues of the covariance matrix, their shares in the total
@@ -112,28 +139,6 @@ int main(int argc, char **argv)
         snprintf(what, sizeof what, "component 1, %s", trait[j]);
         compare(what, sign * component[j][0], published_first[j], 4);
     }
-
-    /* One switch makes the library tell what it was asked to do, and how long that took. The C call was
-     * row-major, so the line shows the column-major product that stands for it: operands exchanged. */
-    double scores[flowers][traits];
-    printf("\nThe flowers in the new coordinates, with tracing on:\n");
-    fflush(stdout);
-    XKL_Verbose(1);
-    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, flowers, traits, traits, 1.0, *x, traits,
-                *component, traits, 0.0, *scores, traits);
-    XKL_Verbose(0);
-    const double variance =
-        cblas_ddot(flowers, &scores[0][0], traits, &scores[0][0], traits) / (flowers - 1);
-    compare("variance of the first", variance, published_value[0], 4);
-
-    /* A row of x has 4 elements; a leading dimension of 3 would mix the rows up. */
-    printf("\nThe same product with lda = 3, a bad argument (place 9 in the C list):\n");
-    fflush(stdout);
-    const double kept = scores[0][0];
-    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, flowers, traits, traits, 1.0, *x, 3, *component,
-                traits, 0.0, *scores, traits);
-    if (scores[0][0] != kept)
-        ++wrong;
-    printf("  ... and the result is %s.\n", scores[0][0] == kept ? "as it was" : "CHANGED");
+    project(x, component, published_value[0]);
     return wrong ? EXIT_FAILURE : EXIT_SUCCESS;
 }

@@ -119,7 +119,7 @@ typedef struct {
 typedef int32_t (*xkl_progress_handler)(const int64_t *thread, const int64_t *step, const char *stage,
                                         int64_t length);
 
-/* Decides what replaces a pivot that is smaller than the threshold. */
+/* May change a small pivot: gets the matrix's own element, the pivot, the threshold; returns 1 if it did. */
 typedef int32_t (*xkl_pivot_handler)(const double *pivot, double *replaced, const double *threshold);
 
 /* Tells whether an eigenvalue is selected, from its parts: (re, im) or (w) for one matrix, (alphar, alphai,

@@ -56,8 +56,7 @@ commands:
   vsl-test-rows, vsl-recording-kernels  for tests
   fftw-frames      the FFTW3 interface's routines            (--fftw, as the rest of this group)
   fftw-header, fftw-constants, fftw-fortran  what C and Fortran programs compile against
-  show           one routine as it is printed               (--option: its name, in upper case)
-  formats        the trace format of every routine
+  show           one routine as it is printed               (--option: its name)
 )";
 
 namespace {
@@ -104,42 +103,62 @@ inputs::inputs(const request &request) : asked(request), rows(read_tables(asked.
     names.merge(fftw_exported_names(fftw));
 }
 
-/// A LAPACKE routine, by the name of its high-level function.
-void show_lapacke(std::ostream &out, const std::vector<lapacke_routine> &rows, const std::string &name)
+/// The rows of one name: none, or one.
+template <class Row, class Name>
+std::vector<Row> called(const std::string &name, const std::vector<Row> &rows, Name name_of)
 {
-    const auto found = std::find_if(rows.begin(), rows.end(),
-                                    [&](const lapacke_routine &row) { return row.name() == name; });
-    if (found == rows.end())
-        throw table_error("no table has `" + name + "`; write it as LAPACKE_dgetrf");
-    print_lapacke(out, {*found}, false);
+    std::vector<Row> found;
+    std::copy_if(rows.begin(), rows.end(), std::back_inserter(found),
+                 [&](const Row &row) { return name_of(row) == name; });
+    return found;
 }
 
-void show_routine(std::ostream &out, const routines &rows, const std::string &name)
+/// Fortran programs write names as they like; LAPACKE's helpers have another name in their table.
+std::string name_in_lower_case(const routine &row)
 {
-    const auto found =
-        std::find_if(rows.begin(), rows.end(), [&](const routine &row) { return row.name == name; });
-    if (found == rows.end())
-        throw table_error("no table has the routine `" + name + "`; names are in upper case");
-    if (found->family == "service")
-        print_forwarders(out, {*found});
-    else if (found->frame.kind == "helper")
-        print_helpers(out, {*found});
+    return row.frame.kind == "helper" ? to_lower(body_symbol(row)) : row.lower();
+}
+
+void show_routine(std::ostream &out, const routines &found)
+{
+    const routine &row = found.front();
+    if (row.frame.kind == "own")
+        out << "// " << row.name << ": " << row.place << ", written by hand in src/" << row.family << "\n";
+    else if (row.family == "service")
+        print_forwarders(out, found);
+    else if (row.frame.kind == "helper")
+        print_helpers(out, found);
     else
-        print_frames(out, {*found}, found->has_checker() ? found->family + "/checks.h" : "");
+        print_frames(out, found, row.has_checker() ? row.family + "/checks.h" : "");
 }
 
 void show(std::ostream &out, const inputs &in)
 {
-    if (in.asked.option.starts_with("LAPACKE_"))
-        show_lapacke(out, in.lapacke, in.asked.option);
-    else
-        show_routine(out, in.rows, in.asked.option);
-}
-
-void print_formats(std::ostream &out, const inputs &in)
-{
-    for (const routine &row : in.rows)
-        out << trace_format(row) << "\n";
+    const std::string &name = in.asked.option;
+    if (const auto found = called(to_lower(name), in.rows, name_in_lower_case); !found.empty())
+        return show_routine(out, found);
+    if (const auto found = called(name, in.lapacke, [](auto &row) { return row.name(); }); !found.empty())
+        return print_lapacke(out, found, false);
+    if (const auto found = called(name, in.shapes, cblas_name); !found.empty())
+        return print_shapes(out, found);
+    if (const auto found =
+            called(name, in.functions, [](auto &row) { return vml_reported_name({.function = &row}); });
+        !found.empty())
+        return print_vml_frames(out, found, {found.front().element});
+    if (const auto found = called(name, in.settings, [](auto &row) { return "vml" + row.name; });
+        !found.empty())
+        return print_vml_settings(out, found);
+    if (const auto found = called(name, in.random, [](auto &row) { return row.name; }); !found.empty())
+        return found.front().is == vsl_routine::frame::task ? print_vsl_tasks(out, found)
+                                                            : print_vsl_frames(out, found);
+    for (const fftw_family &family : fftw_families())
+        if (auto found =
+                called(name, in.fftw.routines, [&](auto &row) { return family.prefix + row.name; });
+            !found.empty())
+            return print_fftw_frames(out, {{}, found});
+    throw table_error("no table has `" + name +
+                      "`; write it like DGEMM, cblas_dgemm, LAPACKE_dgetrf, vdExp, vdRngGaussian or "
+                      "fftw_plan_dft");
 }
 
 /// Code begins with a line that says where it comes from; text is for readers that know no such line, or have
@@ -168,7 +187,8 @@ constexpr command commands[] = {
     {"c-header", text, [](auto &out, auto &in) { print_c_header(out, in.rows, in.asked.option); }},
     {"cblas-header", text, [](auto &out, auto &in) { print_cblas_header(out, in.shapes); }},
     {"fortran", text, [](auto &out, auto &in) { print_fortran_module(out, in.rows, in.asked.option); }},
-    {"dfti-fortran", text, [](auto &out, auto &in) { print_dfti_module(out, in.rows, in.asked.module); }},
+    {"dfti-fortran", text,
+     [](auto &out, auto &in) { print_dfti_module(out, in.rows, in.asked.template_file); }},
     {"core-header", code, [](auto &out, auto &in) { print_core_header(out, in.rows); }},
     {"core-forwards", code, [](auto &out, auto &in) { print_core_forwards(out, in.rows, in.providers); }},
     {"core-own", code,
@@ -215,7 +235,6 @@ constexpr command commands[] = {
     {"fftw-constants", text, [](auto &out, auto &in) { print_fftw_fortran_constants(out, in.fftw); }},
     {"fftw-fortran", text, [](auto &out, auto &in) { print_fftw_fortran(out, in.fftw); }},
     {"show", text, show},
-    {"formats", text, print_formats},
 };
 
 } // namespace

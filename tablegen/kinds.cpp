@@ -1,7 +1,6 @@
 // The kinds, one function a language.
 #include "kinds.h"
 
-#include <array>
 #include <cctype>
 #include <map>
 #include <set>

@@ -1,5 +1,5 @@
 // Expressions of the LAPACKE tables: sizes of matrices and workspaces, and the conditions under which they
-// are used. Written for people (`jobz in A or m < n`), and printed as C++. tablegen/README.md has the
+// are used. Written for people (`jobz in A or m < n`), and printed as C++. tablegen/LAPACKE.md has the
 // grammar.
 #pragma once
 

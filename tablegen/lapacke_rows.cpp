@@ -3,7 +3,6 @@
 #include "table.h"
 
 #include <fstream>
-#include <sstream>
 
 namespace tablegen {
 namespace {

@@ -16,7 +16,7 @@ request parse(int argc, char **argv)
     static const std::map<std::string, std::string request::*> single = {
         {"-o", &request::output},      {"--shapes", &request::shapes},
         {"--vml", &request::vml},      {"--settings", &request::settings},
-        {"--fftw", &request::fftw},    {"--template", &request::module},
+        {"--fftw", &request::fftw},    {"--template", &request::template_file},
         {"--option", &request::option}};
     static const std::map<std::string, std::vector<std::string> request::*> several = {
         {"--tables", &request::tables},

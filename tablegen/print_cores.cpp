@@ -6,7 +6,6 @@
 #include "printers.h"
 
 #include <algorithm>
-#include <map>
 #include <ostream>
 #include <set>
 

@@ -4,7 +4,6 @@
 #include "names.h"
 #include "printers.h"
 
-#include <algorithm>
 #include <ostream>
 
 namespace tablegen {

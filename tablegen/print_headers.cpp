@@ -140,7 +140,7 @@ std::vector<std::string> type_headers(const std::string &family)
 void print_prologue(std::ostream &out, const std::string &header, const std::string &text,
                     const std::vector<std::string> &includes)
 {
-    out << "/* " << header << ": " << text << " */\n#ifndef " << guard_of(header) << "\n#define "
+    out << "/* " << header << ": " << text << ". */\n#ifndef " << guard_of(header) << "\n#define "
         << guard_of(header) << "\n\n";
     for (const std::string &each : includes)
         out << "#include \"" << each << "\"\n";
@@ -175,14 +175,11 @@ void print_c_header(std::ostream &out, const routines &rows, const std::string &
 void print_cblas_header(std::ostream &out, const std::vector<shaped> &rows)
 {
     print_prologue(out, "xkl_cblas.h",
-                   "the C interface of BLAS. Sizes, increments and leading dimensions are 64-bit\n"
-                   "   values, real scalars values, complex scalars addresses. With CblasRowMajor, element "
-                   "(i,j) of a,\n"
-                   "   from 0, is a[i*lda + j], so lda is at least the number of columns. A bad argument "
-                   "is reported to\n"
-                   "   cblas_xerbla with the routine's name and the argument's place in the C list, from "
-                   "1. The names\n"
-                   "   ending in _64 are the same routines");
+                   R"(the C interface of BLAS. Sizes, increments and leading dimensions are 64-bit
+   values, real scalars values, complex scalars addresses. With CblasRowMajor, element (i,j) of a,
+   from 0, is a[i*lda + j], so lda is at least the number of columns. A bad argument is reported to
+   cblas_xerbla with the routine's name and the argument's place in the C list, from 1. The names
+   ending in _64 are the same routines)");
     std::string about;
     for (const shaped &row : rows) {
         if (row.base->about != about)

@@ -1,6 +1,7 @@
-// The Fortran module of the Fourier transforms: a file written by hand, in which the computations' specific
-// functions are filled in, one for each row that names its arrays' types. Their arrays have any rank, which only
-// functions that know addresses can pass on, so each has its own view of the routine behind it.
+// The Fortran module of the Fourier transforms: a file written by hand, in which the computations'
+// specific functions are filled in, one for each row that names its arrays' types. Their arrays have any
+// rank, which only functions that know addresses can pass on, so each has its own view of the routine
+// behind it.
 #include "kinds.h"
 #include "printers.h"
 

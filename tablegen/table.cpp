@@ -2,13 +2,13 @@
 #include "table.h"
 
 #include "kinds.h"
+#include "table_lines.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 
 namespace tablegen {
 
@@ -27,24 +27,13 @@ namespace {
 
 using words = std::vector<std::string>;
 
-words split(const std::string &text, char separator = ' ')
-{
-    words parts;
-    std::string part;
-    std::istringstream in(text);
-    while (std::getline(in, part, separator))
-        if (!part.empty())
-            parts.push_back(part);
-    return parts;
-}
-
 /// Hands out a table's rows with their directives and documentation applied.
 class reader {
   public:
     explicit reader(const std::string &file) : file_(file), in_(file)
     {
         if (!in_)
-            throw table_error(file + ": can't be opened; check the list of tables in CMakeLists.txt");
+            throw table_error(file + ": can't be opened; check the list of tables in cmake/tables.cmake");
     }
 
     /// The columns of the next row, or nothing at the end of the file.
@@ -57,9 +46,9 @@ class reader {
                 const auto start = line.find_first_not_of(' ', 2);
                 about_ = start == std::string::npos ? "" : line.substr(start);
             } else if (line.starts_with("@")) {
-                directive(split(line));
+                directive(words_of(line));
             } else if (!line.starts_with("#")) {
-                if (words columns = split(line); !columns.empty())
+                if (words columns = words_of(line); !columns.empty())
                     return columns;
             }
         }
@@ -195,7 +184,7 @@ std::vector<instance> expand(const reader &at, const std::string &pattern, const
         return {{pattern, 0, ""}};
     const std::string untyped = untyped_name(pattern);
     std::vector<instance> result;
-    for (const std::string &prefix : split(types, ',')) {
+    for (const std::string &prefix : parts_of(types, ',')) {
         std::string name = pattern;
         result.push_back({name.replace(mark, 1, prefix), element_of(at, prefix), untyped});
     }
@@ -302,10 +291,7 @@ std::vector<routine> read_tables(const std::vector<std::string> &files)
     std::vector<routine> routines;
     for (const std::string &file : files)
         read_table(file, routines);
-    std::map<std::string, std::string> first;
-    for (const routine &each : routines)
-        if (const auto [other, fresh] = first.emplace(each.name, each.place); !fresh)
-            throw table_error(each.place + ": " + each.name + " stands in " + other->second + " already");
+    refuse_doubles(routines, [](const routine &each) { return each.name; });
     return routines;
 }
 

@@ -1,10 +1,10 @@
 // Names and argument lists of vector math's entry points.
 #include "vml_entries.h"
 
+#include "table_lines.h"
+
 #include <algorithm>
-#include <fstream>
 #include <map>
-#include <sstream>
 
 namespace tablegen {
 namespace {
@@ -147,29 +147,13 @@ std::string vml_frame_class(const vml_form &form)
 
 std::vector<vml_setting> read_vml_settings(const std::string &file)
 {
-    std::ifstream in(file);
-    if (!in)
-        throw table_error(file + ": can't be opened");
     std::vector<vml_setting> settings;
-    std::string line, about;
-    for (int number = 1; std::getline(in, line); ++number) {
-        if (line.starts_with("#: "))
-            about = line.substr(3);
-        std::istringstream words(line.starts_with("#") ? "" : line);
-        vml_setting row;
-        if (!(words >> row.name))
-            continue;
-        std::string left;
-        const bool complete = (words >> row.argument >> row.result) && !(words >> left);
-        if (row.argument == "-")
-            row.argument.clear();
-        if (!complete || !(row.argument.empty() || is_kind(row.argument)) || !is_kind(row.result))
-            throw table_error(
-                file + ":" + std::to_string(number) +
-                ": a row has the columns name, argument and result; an argument is status, mode, "
-                "callback or -, a result one of the first three");
-        row.about = about;
-        settings.push_back(row);
+    for (const table_line &row : read_lines(file)) {
+        const auto &columns = row.columns;
+        if (columns.size() != 3 || !(columns[1] == "-" || is_kind(columns[1])) || !is_kind(columns[2]))
+            row.fail("a row has the columns name, argument and result; an argument is status, mode, "
+                     "callback or -, a result one of the first three");
+        settings.push_back({columns[0], columns[1] == "-" ? "" : columns[1], columns[2], row.about});
     }
     return settings;
 }

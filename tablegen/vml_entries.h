@@ -26,7 +26,8 @@ std::vector<vml_argument> vml_entry_arguments(const vml_form &form, const vml_en
 /// vdExp: what is reported
 std::string vml_reported_name(const vml_form &form);
 
-/// The rule of a form, a template of src/vml/classes.h: `one_in_one_out_strided<xkl_vml_serv_threader_d_1iI_1oI>`.
+/// The rule of a form, a template of src/vml/classes.h:
+/// `one_in_one_out_strided<xkl_vml_serv_threader_d_1iI_1oI>`.
 std::string vml_frame_class(const vml_form &form);
 
 /// `1i_1o`, as rows of the table name classes.

@@ -1,4 +1,5 @@
 // What programs compile against: the C header and the Fortran module of vector math.
+#include "table_lines.h"
 #include "vml_printers.h"
 
 #include "constants.h"
@@ -6,7 +7,6 @@
 
 #include <ostream>
 #include <set>
-#include <sstream>
 
 namespace tablegen {
 namespace {
@@ -51,17 +51,6 @@ const char header_text[] =
 extern "C" {
 #endif
 )";
-
-/// Lines of a comment, the second and later ones lined up with the first.
-std::string comment(const std::string &about, const std::string &start, const std::string &next,
-                    const std::string &end)
-{
-    std::istringstream lines(about);
-    std::string text = start, line;
-    for (bool first = true; std::getline(lines, line); first = false)
-        text += (first ? "" : next) + line;
-    return text + end;
-}
 
 /// Fortran lists are the same for a class and type; they are declared once each.
 std::string fortran_type(const vml_form &form, const vml_entry &entry)

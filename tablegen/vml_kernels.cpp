@@ -1,10 +1,11 @@
 // Kernels: their providers, the file for each of their headers, and the tables over all of them.
 #include "vml_kernels.h"
 
+#include "table_lines.h"
 #include "vml_printers.h"
 
 #include <algorithm>
-#include <fstream>
+#include <iterator>
 #include <ostream>
 #include <sstream>
 
@@ -13,43 +14,33 @@ namespace {
 
 constexpr const char *instruction_sets[] = {"sse2", "avx2", "avx512"};
 
-struct row_reader {
-    std::string place;
-    [[noreturn]] void fail(const std::string &what) const { throw table_error(place + ": " + what); }
+/// 1.5 for s: singles are half as wide, so twice as many go through at a time
+std::string cost(const table_line &row, const std::string &text, char element)
+{
+    char *end = nullptr;
+    const double nanoseconds = std::strtod(text.c_str(), &end);
+    if (end == text.c_str() || *end || nanoseconds <= 0)
+        row.fail("`" + text + "` is no cost; write nanoseconds an element, as 1.5");
+    std::ostringstream out;
+    out << (vml_real_letter(element) == 's' ? nanoseconds / 2 : nanoseconds);
+    return out.str();
+}
 
-    /// 1.5 for s: singles are half as wide, so twice as many go through at a time
-    std::string cost(const std::string &text, char element) const
-    {
-        char *end = nullptr;
-        const double nanoseconds = std::strtod(text.c_str(), &end);
-        if (end == text.c_str() || *end || nanoseconds <= 0)
-            fail("`" + text + "` is no cost; write nanoseconds an element, as 1.5");
-        std::ostringstream out;
-        out << (vml_real_letter(element) == 's' ? nanoseconds / 2 : nanoseconds);
-        return out.str();
-    }
-
-    vml_kernel kernel(const std::vector<std::string> &columns, char element,
-                      const std::vector<vml_function> &functions) const
-    {
-        const auto found = std::ranges::find_if(functions, [&](const vml_function &each) {
-            return each.name == columns[0] && each.element == element;
-        });
-        if (found == functions.end())
-            fail(std::string("the table has no function ") + element + columns[0]);
-        vml_kernel result{&*found, columns[2], {}};
-        std::istringstream costs(columns[3]);
-        std::string text, left;
-        for (std::string &each : result.cost) {
-            if (!std::getline(costs, text, ','))
-                fail("a cost has three numbers: SSE2,AVX2,AVX-512");
-            each = cost(text, element);
-        }
-        if (std::getline(costs, left))
-            fail("a cost has three numbers: SSE2,AVX2,AVX-512");
-        return result;
-    }
-};
+vml_kernel kernel_of_row(const table_line &row, char element, const std::vector<vml_function> &functions)
+{
+    const auto found = std::ranges::find_if(functions, [&](const vml_function &each) {
+        return each.name == row.columns[0] && each.element == element;
+    });
+    if (found == functions.end())
+        row.fail(std::string("the table has no function ") + element + row.columns[0]);
+    vml_kernel result{&*found, row.columns[2], {}};
+    const std::vector<std::string> costs = parts_of(row.columns[3], ',');
+    if (costs.size() != std::size(result.cost))
+        row.fail("a cost has three numbers: SSE2,AVX2,AVX-512");
+    std::ranges::transform(costs, std::begin(result.cost),
+                           [&](const std::string &each) { return cost(row, each, element); });
+    return result;
+}
 
 const vml_kernel *kernel_of(const vml_function &function, const std::vector<vml_kernel> &kernels)
 {
@@ -168,28 +159,14 @@ std::string vml_kernel_template(const vml_function &function)
 std::vector<vml_kernel> read_vml_kernels(const std::string &file,
                                          const std::vector<vml_function> &functions)
 {
-    std::ifstream in(file);
-    if (!in)
-        throw table_error(file + ": can't be opened");
     std::vector<vml_kernel> kernels;
-    std::string line;
-    for (int number = 1; std::getline(in, line); ++number) {
-        if (line.starts_with("#"))
-            continue;
-        const row_reader at{file + ":" + std::to_string(number)};
-        std::istringstream words(line);
-        std::vector<std::string> columns;
-        for (std::string word; words >> word;)
-            columns.push_back(word);
-        if (columns.empty())
-            continue;
-        if (columns.size() != 4)
-            at.fail("a row has the columns name, types, header and cost");
-        std::istringstream types(columns[1]);
-        for (std::string type; std::getline(types, type, ',');) {
-            const vml_kernel kernel = at.kernel(columns, type.size() == 1 ? type[0] : '?', functions);
+    for (const table_line &row : read_lines(file)) {
+        if (row.columns.size() != 4)
+            row.fail("a row has the columns name, types, header and cost");
+        for (const std::string &type : parts_of(row.columns[1], ',')) {
+            const vml_kernel kernel = kernel_of_row(row, type.size() == 1 ? type[0] : '?', functions);
             if (kernel_of(*kernel.function, kernels))
-                at.fail(vml_form{kernel.function}.name() + " has a kernel already");
+                row.fail(vml_form{kernel.function}.name() + " has a kernel already");
             kernels.push_back(kernel);
         }
     }

@@ -1,10 +1,9 @@
 // Reads the table of vector math functions and knows the argument lists of its classes.
 #include "vml_table.h"
 
-#include <fstream>
+#include "table_lines.h"
+
 #include <map>
-#include <set>
-#include <sstream>
 
 namespace tablegen {
 namespace {
@@ -36,33 +35,20 @@ std::string letter(char element)
     return std::string(1, element);
 }
 
-/// One row, already split into its columns, in all its types.
-void add_row(const std::string &place, const std::vector<std::string> &columns, const std::string &about,
-             std::vector<vml_function> &to)
+/// One row in all its types.
+void add_row(const table_line &row, std::vector<vml_function> &to)
 {
-    const auto fail = [&](const std::string &what) { throw table_error(place + ": " + what); };
-    if (columns.size() != 3)
-        fail("a row has the columns name, types and class");
-    const auto kind = classes().find(columns[2]);
+    if (row.columns.size() != 3)
+        row.fail("a row has the columns name, types and class");
+    const auto kind = classes().find(row.columns[2]);
     if (kind == classes().end())
-        fail("unknown class `" + columns[2] + "`; tablegen/README.md lists them");
-    std::istringstream types(columns[1]);
-    for (std::string type; std::getline(types, type, ',');) {
+        row.fail("unknown class `" + row.columns[2] + "`; tablegen/README.md lists them");
+    for (const std::string &type : parts_of(row.columns[1], ',')) {
         if (type.size() != 1 || std::string("sdcz").find(type) == std::string::npos)
-            fail("`" + type + "` is no type; types are s, d, c, z");
+            row.fail("`" + type + "` is no type; types are s, d, c, z");
         if (!fits(kind->second, type[0]))
-            fail("class " + columns[2] + " has no functions of type " + type);
-        to.push_back({columns[0], type[0], kind->second, about, place});
-    }
-}
-
-void refuse_doubles(const std::vector<vml_function> &functions)
-{
-    std::map<std::string, std::string> first;
-    for (const vml_function &each : functions) {
-        const std::string name = vml_form{&each}.name();
-        if (const auto [other, fresh] = first.emplace(name, each.place); !fresh)
-            throw table_error(each.place + ": " + name + " stands in " + other->second + " already");
+            row.fail("class " + row.columns[2] + " has no functions of type " + type);
+        to.push_back({row.columns[0], type[0], kind->second, row.about, row.place});
     }
 }
 
@@ -97,27 +83,10 @@ std::string vml_form::name() const
 
 std::vector<vml_function> read_vml_table(const std::string &file)
 {
-    std::ifstream in(file);
-    if (!in)
-        throw table_error(file + ": can't be opened");
     std::vector<vml_function> functions;
-    std::string line, about;
-    bool goes_on = false; // a description
-    for (int number = 1; std::getline(in, line); ++number) {
-        const bool describes = line.starts_with("#: ");
-        if (describes)
-            about = (goes_on ? about + "\n" : "") + line.substr(3);
-        goes_on = describes;
-        if (line.starts_with("#"))
-            continue;
-        std::istringstream words(line);
-        std::vector<std::string> columns;
-        for (std::string word; words >> word;)
-            columns.push_back(word);
-        if (!columns.empty())
-            add_row(file + ":" + std::to_string(number), columns, about, functions);
-    }
-    refuse_doubles(functions);
+    for (const table_line &row : read_lines(file))
+        add_row(row, functions);
+    refuse_doubles(functions, [](const vml_function &each) { return vml_form{&each}.name(); });
     return functions;
 }
 

@@ -1,4 +1,5 @@
 // What programs compile against: the C header and the Fortran module of random streams and tasks.
+#include "table_lines.h"
 #include "vsl_printers.h"
 
 #include "constants.h"
@@ -42,16 +43,6 @@ const char header_text[] =
 extern "C" {
 #endif
 )";
-
-std::string comment(const std::string &about, const std::string &start, const std::string &next,
-                    const std::string &end)
-{
-    std::istringstream lines(about);
-    std::string text = start, line;
-    for (bool first = true; std::getline(lines, line); first = false)
-        text += (first ? "" : next) + line;
-    return text + end;
-}
 
 std::string address_list(const vsl_routine &row)
 {

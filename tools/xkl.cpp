@@ -42,6 +42,19 @@ F *from_core(const char *name)
     return reinterpret_cast<F *>(dlsym(RTLD_DEFAULT, name));
 }
 
+/// The module that the core opens for its first descriptor, or why it can't.
+std::string transform_module()
+{
+    DFTI_DESCRIPTOR_HANDLE transform = nullptr;
+    const long status = DftiCreateDescriptor(&transform, DFTI_DOUBLE, DFTI_COMPLEX, 1, int64_t{2});
+    if (status != DFTI_NO_ERROR)
+        return DftiErrorMessage(status);
+    DftiFreeDescriptor(&transform);
+    void *module = dlopen("libxkl_core_fft.so", RTLD_LAZY | RTLD_NOLOAD);
+    void *symbol = module ? dlsym(module, "xkl_core_fft_module") : nullptr;
+    return symbol ? file_of(symbol) : "(one that has another name)";
+}
+
 int print_missing()
 {
     auto *manifest = from_core<manifest_type>("xkl_core_manifest");
@@ -98,6 +111,7 @@ int print_info()
     std::printf("%-20s %s\n", "kernel library", kernel_library().c_str());
     xkl_version version;
     XKL_Get_Version(&version);
+    std::printf("%-20s %s\n", "transform module", transform_module().c_str());
     std::printf("%-20s %s, built by %s\n", "dense kernels", version.kernels, version.build);
     std::printf("%-20s %s, %.2f GHz\n", "processor", version.processor, XKL_Get_Max_Cpu_Frequency());
     std::printf("%-20s %d\n", "threads", XKL_Get_Max_Threads());

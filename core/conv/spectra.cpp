@@ -3,8 +3,6 @@
 #include "core_dfti.h"
 #include "dft/descriptor.h"
 
-#include <algorithm>
-
 namespace xkl::core::conv {
 namespace {
 

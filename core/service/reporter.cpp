@@ -50,9 +50,9 @@ extern "C" {
 
 static void store_handler(xkl_xerbla_handler handler);
 
-// The handler is written by frames and by xkl_serv_set_xerbla_interface on every checked call: the first link
-// of the caller's reporter chain. Null until the first such call. Not ordered with anything, as all callers of
-// one interface library store the same address.
+// The handler is written by frames and by xkl_serv_set_xerbla_interface on every checked call: the first
+// link of the caller's reporter chain. Null until the first such call. Not ordered with anything, as all
+// callers of one interface library store the same address.
 xkl_xerbla_registration xkl_serv_xerbla_registration = {nullptr, store_handler};
 
 static void store_handler(xkl_xerbla_handler handler)

@@ -1,4 +1,5 @@
-// A mark that a thread sets while it runs a user's callback, and that is taken back even when the callback throws.
+// A mark that a thread sets while it runs a user's callback, and that is taken back even when the
+// callback throws.
 #pragma once
 
 namespace xkl::core {

@@ -52,13 +52,7 @@ int xkl_serv_sprintf_s(char *buffer, size_t size, const char *format, ...)
 }
 
 int xkl_serv_sprintf_char_s(char *buffer, size_t size, const char *format, ...)
-{
-    va_list values;
-    va_start(values, format);
-    const int length = format_bounded(buffer, size, size, format, values);
-    va_end(values);
-    return length;
-}
+    __attribute__((alias("xkl_serv_sprintf_s")));
 
 size_t xkl_serv_strnlen_s(const char *text, size_t max)
 {

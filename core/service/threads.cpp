@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <atomic>
 #include <sched.h>
-#include <string>
 
 namespace xkl::core {
 namespace {

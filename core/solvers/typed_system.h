@@ -1,7 +1,7 @@
 // A matrix of one element type: which engine takes it, and what is done around the engine.
 #pragma once
 
-#include "solvers/ordering.h"
+#include "solvers/choice.h"
 #include "solvers/refinement.h"
 #include "solvers/schur.h"
 #include "solvers/stored.h"
@@ -26,15 +26,12 @@ class typed_system final : public any_system {
 
   private:
     using real = typename refinement<T>::real;
-    enum class way { fixed, rows, fronts };
 
     const int64_t *controls() const { return form.iparm; }
     bool unsymmetric() const { return form.kind.form == symmetry::none; }
+    choice choices() const { return {form, pattern_, schur_}; }
+    way choose() const { return choices().engine(); }
     int64_t read_places(const request &call);
-    way choose() const;
-    own_ordering ordering_of_fronts() const;
-    int64_t find_order(const request &call);
-    std::vector<int64_t> fixed_order() const;
     int64_t begin_engine(way chosen, const T *values);
     bool weak_diagonal(const T *values) const;
     int64_t fetch_values(const void *from);
@@ -54,9 +51,6 @@ class typed_system final : public any_system {
     std::unique_ptr<engine<T>> parts_; // made when a part of the solution is first asked for
     schur_complement<T> complement_;
 };
-
-// Below this order the systems with the least overhead win, and run on many threads at once.
-inline constexpr int64_t small_order = 1000;
 
 template <class T>
 int64_t typed_system<T>::read_places(const request &call)
@@ -79,72 +73,6 @@ int64_t typed_system<T>::read_places(const request &call)
     if (structurally_regular(pattern_))
         return XKL_PARDISO_SUCCESS;
     return pattern_.diagonal_only() ? XKL_PARDISO_SINGULAR_DIAGONAL : XKL_PARDISO_PREORDERING_FAILED;
-}
-
-template <class T>
-typename typed_system<T>::way typed_system<T>::choose() const
-{
-    constexpr int64_t largest = std::numeric_limits<int32_t>::max() / 2;
-    const bool small = pattern_.n <= small_order || pattern_.n > largest;
-    if (!schur_.empty())
-        return way::fronts;
-    if (controls()[keep_diagonal] == 1)
-        return way::fixed;
-    // Many programs leave iparm(21) at 0 by chance: above this order they would wait for its sake.
-    if (small && (form.kind.positive_definite || (controls()[pivots] == 0 && !unsymmetric())))
-        return way::fixed;
-    if (unsymmetric() && small)
-        return way::rows;
-    return pattern_.n > largest ? way::fixed : way::fronts;
-}
-
-// Up to this order the dissection that fronts brings along is the quicker one, and has the better factors.
-template <class T>
-own_ordering typed_system<T>::ordering_of_fronts() const
-{
-    if (choose() != way::fronts || !schur_.empty() || form.kind.form == symmetry::conjugated ||
-        controls()[user_order] != 0 || pattern_.n <= small_order || controls()[ordering] == 3)
-        return own_ordering::none;
-    if (controls()[ordering] == 0)
-        return own_ordering::minimum_fill;
-    return pattern_.n <= 200'000 ? own_ordering::dissection : own_ordering::none;
-}
-
-template <class T>
-int64_t typed_system<T>::find_order(const request &call)
-{
-    const int64_t n = pattern_.n;
-    order.clear();
-    if (controls()[user_order] == 1) {
-        order.resize(n);
-        for (int64_t i = 0; i < n; ++i)
-            order[i] = call.perm[i] - form.base;
-        return is_permutation(order) ? XKL_PARDISO_SUCCESS : XKL_PARDISO_INPUT_ERROR;
-    }
-    if (choose() == way::rows)
-        order = column_degree(pattern_);
-    else if (ordering_of_fronts() != own_ordering::none)
-        order = as_they_stand(n); // fronts find their own
-    else if (controls()[ordering] != 0 && n > small_order)
-        order = nested_dissection(pattern_);
-    if (order.empty())
-        order = minimum_degree(pattern_);
-    if (!is_permutation(order))
-        return XKL_PARDISO_REORDERING_ERROR;
-    if (controls()[user_order] == 2)
-        for (int64_t i = 0; i < n; ++i)
-            call.perm[i] = order[i] + form.base;
-    std::stable_partition(order.begin(), order.end(), [this](int64_t unknown) {
-        return !std::binary_search(schur_.begin(), schur_.end(), unknown);
-    });
-    return XKL_PARDISO_SUCCESS;
-}
-
-// For fixed factors beside those of the engine in force
-template <class T>
-std::vector<int64_t> typed_system<T>::fixed_order() const
-{
-    return ordering_of_fronts() == own_ordering::none ? order : minimum_degree(pattern_);
 }
 
 // True when a row's diagonal element is missing, or nothing beside the row's largest.
@@ -174,7 +102,7 @@ int64_t typed_system<T>::begin_engine(way chosen, const T *values)
     options.change_pivots = controls()[pivot_exponent] >= 0;
     options.scaling = controls()[scaling] == 1;
     options.own_order = own_order_;
-    options.ordering = ordering_of_fronts();
+    options.ordering = choices().ordering_of_fronts();
     engine_ = chosen == way::fixed  ? make_fixed_engine<T>(options)
               : chosen == way::rows ? make_row_engine<T>(options)
                                     : make_front_engine<T>(options);
@@ -204,7 +132,7 @@ int64_t typed_system<T>::analyse(const request &call)
                 schur_.push_back(i);
     if (controls()[schur] != 0 && (schur_.empty() || static_cast<int64_t>(schur_.size()) == pattern_.n))
         return XKL_PARDISO_INPUT_ERROR;
-    if (const int64_t error = find_order(call))
+    if (const int64_t error = choices().find_order(call, order))
         return error;
 
     std::vector<T> early; // the values, where they are there already
@@ -270,7 +198,7 @@ void typed_system<T>::find_bad_row()
     if (facts.operations > affordable)
         return;
     const auto finder = make_fixed_engine<T>({.kind = form.kind, .change_pivots = false});
-    if (finder->analyse(pattern_, nullptr, fixed_order()) == XKL_PARDISO_SUCCESS &&
+    if (finder->analyse(pattern_, nullptr, choices().order_of_fixed(order)) == XKL_PARDISO_SUCCESS &&
         finder->facts.operations <= affordable &&
         finder->factor(pattern_, values_.data()) == XKL_PARDISO_ZERO_PIVOT)
         facts.bad_row = finder->facts.bad_row;
@@ -350,7 +278,7 @@ engine<T> *typed_system<T>::parts_engine()
             make_fixed_engine<T>({.kind = form.kind,
                                   .pivot_threshold = std::sqrt(std::numeric_limits<real>::epsilon()),
                                   .change_pivots = true});
-        if (made->analyse(pattern_, nullptr, fixed_order()) == XKL_PARDISO_SUCCESS &&
+        if (made->analyse(pattern_, nullptr, choices().order_of_fixed(order)) == XKL_PARDISO_SUCCESS &&
             made->factor(pattern_, values_.data()) == XKL_PARDISO_SUCCESS &&
             made->facts.changed_pivots == 0)
             parts_ = std::move(made);

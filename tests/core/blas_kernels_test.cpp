@@ -3,8 +3,6 @@
 
 #include "service/service_entries.h"
 
-#include <cstring>
-
 namespace {
 using namespace blas_test;
 

@@ -1,5 +1,5 @@
-// Level-1 reductions at every length around the kernels' blocks, in steps of 1, 2 and -1: vectorised kernels go wrong at
-// the edges of their blocks, and a kernel set that does must not be chosen.
+// Level-1 reductions at every length around the kernels' blocks, in steps of 1, 2 and -1: vectorised
+// kernels go wrong at the edges of their blocks, and a kernel set that does must not be chosen.
 #include "blas_reference.h"
 
 namespace {

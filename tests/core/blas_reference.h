@@ -2,10 +2,8 @@
 // themselves, reference results in extended precision, and one name for a routine's four types.
 #pragma once
 
-#include <complex>
+#include "element_types.h"
 
-#define XKL_Complex8 std::complex<float>
-#define XKL_Complex16 std::complex<double>
 #include "core_blas.h"
 
 #include <algorithm>
@@ -21,43 +19,13 @@
 
 namespace blas_test {
 
-using wide = std::complex<long double>;
+using namespace element_types;
 
-template <class T>
-struct real_type {
-    using type = T;
-};
-template <class R>
-struct real_type<std::complex<R>> {
-    using type = R;
-};
-template <class T>
-using real_of = typename real_type<T>::type;
-template <class T>
-constexpr bool is_complex = !std::is_same_v<T, real_of<T>>;
-
-/// One of the four entries of a routine
-template <class T, class S, class D, class C, class Z>
-constexpr auto pick(S s, D d, C c, Z z)
-{
-    if constexpr (std::is_same_v<T, float>)
-        return s;
-    else if constexpr (std::is_same_v<T, double>)
-        return d;
-    else if constexpr (std::is_same_v<T, std::complex<float>>)
-        return c;
-    else
-        return z;
-}
 #define BLAS_ENTRY(prefix, name)                                                                           \
     template <class T>                                                                                     \
     constexpr auto prefix##name =                                                                          \
         blas_test::pick<T>(xkl_blas_##prefix##s##name, xkl_blas_##prefix##d##name,                         \
                            xkl_blas_##prefix##c##name, xkl_blas_##prefix##z##name)
-
-using all_types = ::testing::Types<float, double, std::complex<float>, std::complex<double>>;
-using real_types = ::testing::Types<float, double>;
-using complex_types = ::testing::Types<std::complex<float>, std::complex<double>>;
 
 inline std::mt19937 &random_source()
 {
@@ -83,22 +51,6 @@ T not_a_number()
         return {nan, nan};
     else
         return nan;
-}
-
-/// A scalar with an imaginary part where there is one
-template <class T>
-T scalar(double re, double im)
-{
-    if constexpr (is_complex<T>)
-        return T(static_cast<real_of<T>>(re), static_cast<real_of<T>>(im));
-    else
-        return static_cast<T>(re);
-}
-
-template <class T>
-wide widen(const T &value)
-{
-    return {std::real(value), std::imag(value)};
 }
 
 /// Columns at a distance of ld, with a margin before and behind the whole; what is no element is a canary.

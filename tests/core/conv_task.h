@@ -1,13 +1,12 @@
 // Convolution tasks for tests: arrays of any strides, a task that frees itself, and the plain loops.
 #pragma once
 
+#include "element_types.h"
+
 #include "core_conv.h"
 #include "xkl_vsl_types.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <complex>
 #include <cstdint>
 #include <numeric>
 #include <random>
@@ -18,30 +17,13 @@ namespace conv {
 using vector = std::vector<int32_t>;
 enum kind : int32_t { convolution = 1, correlation = 2 };
 
+using element_types::all_types, element_types::conjugate, element_types::is_complex, element_types::real_of;
+
 template <class T>
-struct traits {
-    using real = T;
-    static constexpr int32_t domain = 1;
-};
-template <class R>
-struct traits<std::complex<R>> {
-    using real = R;
-    static constexpr int32_t domain = 2;
-};
-template <class T>
-using real_of = typename traits<T>::real;
+constexpr int32_t domain_of = is_complex<T> ? 2 : 1;
 template <class T>
 constexpr int32_t precision_of = sizeof(real_of<T>) == 4 ? VSL_CONV_PRECISION_SINGLE
                                                          : VSL_CONV_PRECISION_DOUBLE;
-
-template <class T>
-T conjugate(T a)
-{
-    if constexpr (traits<T>::domain == 2)
-        return std::conj(a);
-    else
-        return a;
-}
 
 inline int64_t elements_of(const vector &shape)
 {
@@ -96,7 +78,7 @@ struct strided {
     {
         std::uniform_real_distribution<real_of<T>> number(-1, 1);
         for (T &each : memory)
-            if constexpr (traits<T>::domain == 2)
+            if constexpr (is_complex<T>)
                 each = {number(random), number(random)};
             else
                 each = number(random);
@@ -140,11 +122,11 @@ int32_t create(handle &made, const settings &s, const strided<T> *fixed = nullpt
 {
     const auto rank = static_cast<int32_t>(s.x.size());
     if (fixed)
-        return xkl_conv_newtaskx(&made.task, s.kind, 1, s.mode, traits<T>::domain, precision_of<T>, rank,
+        return xkl_conv_newtaskx(&made.task, s.kind, 1, s.mode, domain_of<T>, precision_of<T>, rank,
                                  s.x.data(), s.y.data(), s.z.data(), fixed->memory.data(),
                                  fixed->strides.data());
-    return xkl_conv_newtask(&made.task, s.kind, 1, s.mode, traits<T>::domain, precision_of<T>, rank,
-                            s.x.data(), s.y.data(), s.z.data());
+    return xkl_conv_newtask(&made.task, s.kind, 1, s.mode, domain_of<T>, precision_of<T>, rank, s.x.data(),
+                            s.y.data(), s.z.data());
 }
 
 inline void edit(const handle &made, const settings &s)

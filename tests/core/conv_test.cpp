@@ -11,7 +11,6 @@ namespace {
 template <class T>
 class Conv : public testing::Test {
 };
-using all_types = testing::Types<float, double, std::complex<float>, std::complex<double>>;
 TYPED_TEST_SUITE(Conv, all_types);
 
 /// Statuses of a mode where the core may lack transforms

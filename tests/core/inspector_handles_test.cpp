@@ -204,37 +204,50 @@ TYPED_TEST(inspector_handles, other_arrays_take_the_place_of_the_first)
     }
 }
 
-TEST(inspector_statuses, bad_calls_change_nothing)
-{
-    int64_t starts[] = {0, 1, 2}, columns[] = {0, 1};
-    double values[] = {2, 4}, x[] = {1, 1}, y[] = {5, 5}, alpha = 1;
-    auto *const untouched = reinterpret_cast<sparse_matrix_t>(starts);
-    sparse_matrix_t a = untouched;
-    const auto create = [&](int base, int64_t rows, int64_t *first, int64_t *minor, double *numbers) {
-        return xkl_sparse_d_create_csr(&a, static_cast<sparse_index_base_t>(base), rows, 2, first,
+/// A diagonal matrix, and calls that can't be right
+struct bad_calls : ::testing::Test {
+    int64_t starts[3] = {0, 1, 2}, columns[2] = {0, 1};
+    double values[2] = {2, 4}, x[2] = {1, 1}, y[2] = {5, 5};
+    sparse_matrix_t const untouched = reinterpret_cast<sparse_matrix_t>(starts);
+    sparse_matrix_t a = nullptr;
+
+    void SetUp() override { ASSERT_EQ(create(a, 0, 2, starts, columns, values), SPARSE_STATUS_SUCCESS); }
+    void TearDown() override { EXPECT_EQ(xkl_sparse_destroy(a), SPARSE_STATUS_SUCCESS); }
+
+    sparse_status_t create(sparse_matrix_t &made, int base, int64_t rows, int64_t *first, int64_t *minor,
+                           double *numbers)
+    {
+        return xkl_sparse_d_create_csr(&made, static_cast<sparse_index_base_t>(base), rows, 2, first,
                                        starts + 1, minor, numbers);
-    };
-    EXPECT_EQ(create(2, 2, starts, columns, values), SPARSE_STATUS_INVALID_VALUE);
-    EXPECT_EQ(create(0, -1, starts, columns, values), SPARSE_STATUS_INVALID_VALUE);
-    EXPECT_EQ(create(1, 2, starts, columns, values), SPARSE_STATUS_INVALID_VALUE)
+    }
+};
+
+TEST_F(bad_calls, create_no_handle)
+{
+    sparse_matrix_t made = untouched;
+    EXPECT_EQ(create(made, 2, 2, starts, columns, values), SPARSE_STATUS_INVALID_VALUE);
+    EXPECT_EQ(create(made, 0, -1, starts, columns, values), SPARSE_STATUS_INVALID_VALUE);
+    EXPECT_EQ(create(made, 1, 2, starts, columns, values), SPARSE_STATUS_INVALID_VALUE)
         << "a row starts before the first place";
-    EXPECT_EQ(create(0, 2, nullptr, columns, values), SPARSE_STATUS_NOT_INITIALIZED);
-    EXPECT_EQ(create(0, 2, starts, nullptr, values), SPARSE_STATUS_NOT_INITIALIZED);
-    EXPECT_EQ(create(0, 2, starts, columns, nullptr), SPARSE_STATUS_NOT_INITIALIZED);
+    EXPECT_EQ(create(made, 0, 2, nullptr, columns, values), SPARSE_STATUS_NOT_INITIALIZED);
+    EXPECT_EQ(create(made, 0, 2, starts, nullptr, values), SPARSE_STATUS_NOT_INITIALIZED);
+    EXPECT_EQ(create(made, 0, 2, starts, columns, nullptr), SPARSE_STATUS_NOT_INITIALIZED);
     EXPECT_EQ(
         xkl_sparse_d_create_csr(nullptr, SPARSE_INDEX_BASE_ZERO, 2, 2, starts, starts + 1, columns, values),
         SPARSE_STATUS_NOT_INITIALIZED);
-    EXPECT_EQ(xkl_sparse_d_create_coo(&a, SPARSE_INDEX_BASE_ZERO, 2, 2, -1, starts, columns, values),
+    EXPECT_EQ(xkl_sparse_d_create_coo(&made, SPARSE_INDEX_BASE_ZERO, 2, 2, -1, starts, columns, values),
               SPARSE_STATUS_INVALID_VALUE);
-    EXPECT_EQ(xkl_sparse_d_create_bsr(&a, SPARSE_INDEX_BASE_ZERO, SPARSE_LAYOUT_ROW_MAJOR, 2, 2, 0, starts,
-                                      starts + 1, columns, values),
-              SPARSE_STATUS_INVALID_VALUE);
-    EXPECT_EQ(xkl_sparse_d_create_bsr(&a, SPARSE_INDEX_BASE_ZERO, static_cast<sparse_layout_t>(5), 2, 2, 1,
+    EXPECT_EQ(xkl_sparse_d_create_bsr(&made, SPARSE_INDEX_BASE_ZERO, SPARSE_LAYOUT_ROW_MAJOR, 2, 2, 0,
                                       starts, starts + 1, columns, values),
               SPARSE_STATUS_INVALID_VALUE);
-    EXPECT_EQ(a, untouched);
-    ASSERT_EQ(create(0, 2, starts, columns, values), SPARSE_STATUS_SUCCESS);
+    EXPECT_EQ(xkl_sparse_d_create_bsr(&made, SPARSE_INDEX_BASE_ZERO, static_cast<sparse_layout_t>(5), 2, 2,
+                                      1, starts, starts + 1, columns, values),
+              SPARSE_STATUS_INVALID_VALUE);
+    EXPECT_EQ(made, untouched);
+}
 
+TEST_F(bad_calls, of_operations_write_nothing)
+{
     const auto product = [&](sparse_matrix_t m, int operation, const matrix_descr &descr,
                              const double *from, double *to) {
         return xkl_sparse_d_mv(static_cast<sparse_operation_t>(operation), 1, m, descr, from, 0, to);
@@ -264,10 +277,13 @@ TEST(inspector_statuses, bad_calls_change_nothing)
     EXPECT_EQ(xkl_sparse_d_sorv(static_cast<sparse_sor_type_t>(113), general, a, 1, 1, y, x),
               SPARSE_STATUS_INVALID_VALUE);
     EXPECT_EQ(xkl_sparse_d_spmmd(plain, a, a, SPARSE_LAYOUT_ROW_MAJOR, y, 1), SPARSE_STATUS_INVALID_VALUE);
-    EXPECT_EQ(xkl_sparse_d_syrkd(plain, a, alpha, 0, nullptr, SPARSE_LAYOUT_ROW_MAJOR, 2),
+    EXPECT_EQ(xkl_sparse_d_syrkd(plain, a, 1, 0, nullptr, SPARSE_LAYOUT_ROW_MAJOR, 2),
               SPARSE_STATUS_INVALID_VALUE);
     EXPECT_EQ(y[0] + y[1], 10);
+}
 
+TEST_F(bad_calls, make_no_result)
+{
     sparse_matrix_t c = untouched;
     EXPECT_EQ(xkl_sparse_spmm(plain, a, nullptr, &c), SPARSE_STATUS_NOT_INITIALIZED);
     EXPECT_EQ(xkl_sparse_spmm(plain, a, a, nullptr), SPARSE_STATUS_NOT_INITIALIZED);
@@ -285,7 +301,10 @@ TEST(inspector_statuses, bad_calls_change_nothing)
         << "a column outside of the matrix";
     columns[1] = 1;
     EXPECT_EQ(c, untouched);
+}
 
+TEST_F(bad_calls, of_hints_and_settings)
+{
     EXPECT_EQ(xkl_sparse_set_mv_hint(a, plain, general, -1), SPARSE_STATUS_INVALID_VALUE);
     EXPECT_EQ(xkl_sparse_set_mm_hint(a, plain, general, static_cast<sparse_layout_t>(1), 2, 3),
               SPARSE_STATUS_INVALID_VALUE);
@@ -298,7 +317,6 @@ TEST(inspector_statuses, bad_calls_change_nothing)
     EXPECT_EQ(xkl_sparse_set_verbose_mode(static_cast<verbose_mode_t>(1)), SPARSE_STATUS_INVALID_VALUE);
     EXPECT_EQ(xkl_sparse_optimize(nullptr), SPARSE_STATUS_NOT_INITIALIZED);
     EXPECT_EQ(xkl_sparse_destroy(nullptr), SPARSE_STATUS_NOT_INITIALIZED);
-    EXPECT_EQ(xkl_sparse_destroy(a), SPARSE_STATUS_SUCCESS);
 }
 
 TEST(inspector_statuses, matrices_without_elements)

@@ -2,10 +2,8 @@
 // dense computations in extended precision to compare with.
 #pragma once
 
-#include <complex>
+#include "element_types.h"
 
-#define XKL_Complex8 std::complex<float>
-#define XKL_Complex16 std::complex<double>
 #include "xkl_service.h"
 #include "xkl_spblas.h"
 
@@ -22,28 +20,8 @@
 
 namespace inspector_test {
 
-using wide = std::complex<long double>;
+using namespace element_types;
 
-template <class T>
-using real_of = decltype(std::abs(T{}));
-template <class T>
-constexpr bool is_complex = !std::is_floating_point_v<T>;
-
-using all_types = ::testing::Types<float, double, std::complex<float>, std::complex<double>>;
-
-/// One of the four routines of an operation
-template <class T, class S, class D, class C, class Z>
-constexpr auto pick(S s, D d, C c, Z z)
-{
-    if constexpr (std::is_same_v<T, float>)
-        return s;
-    else if constexpr (std::is_same_v<T, double>)
-        return d;
-    else if constexpr (std::is_same_v<T, std::complex<float>>)
-        return c;
-    else
-        return z;
-}
 #define SPARSE_ROUTINE(name)                                                                               \
     template <class T>                                                                                     \
     constexpr auto name = inspector_test::pick<T>(xkl_sparse_s_##name, xkl_sparse_d_##name,                \
@@ -57,31 +35,6 @@ SPARSE_ROUTINE(export_coo);
 SPARSE_ROUTINE(export_csr);
 SPARSE_ROUTINE(export_csc);
 SPARSE_ROUTINE(export_bsr);
-
-/// A scalar as the C interface takes it: real by value, complex by address
-template <class T>
-auto pass(const T &value)
-{
-    if constexpr (is_complex<T>)
-        return &value;
-    else
-        return value;
-}
-
-template <class T>
-T scalar(double re, double im)
-{
-    if constexpr (is_complex<T>)
-        return T(static_cast<real_of<T>>(re), static_cast<real_of<T>>(im));
-    else
-        return static_cast<T>(re);
-}
-
-template <class T>
-wide widen(T x)
-{
-    return wide(std::real(x), std::imag(x));
-}
 
 /// A dense matrix to compute with
 struct grid {

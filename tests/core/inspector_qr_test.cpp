@@ -22,7 +22,6 @@ constexpr auto plain = SPARSE_OPERATION_NON_TRANSPOSE, turned = SPARSE_OPERATION
 template <class T>
 struct inspector_qr : ::testing::Test {
 };
-using real_types = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(inspector_qr, real_types);
 
 /// Elements whose columns are far from dependent

@@ -1,5 +1,5 @@
-// Bad arguments of LAPACK's batches: the report names routine and place, the first element of info tells the place,
-// and nothing else is written. And what happens when there is no memory.
+// Bad arguments of LAPACK's batches: the report names routine and place, the first element of info tells
+// the place, and nothing else is written. And what happens when there is no memory.
 #include "blas_reference.h"
 
 #include "lapack/call.h"

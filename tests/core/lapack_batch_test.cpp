@@ -1,11 +1,10 @@
-// The batches of LAPACK: what a batch makes of its matrices is what the plain routine makes of each of them, whatever
-// their neighbours are: of another group, singular, in another thread's hands.
+// The batches of LAPACK: what a batch makes of its matrices is what the plain routine makes of each of
+// them, whatever their neighbours are: of another group, singular, in another thread's hands.
 #include "blas_reference.h"
 
 #include "lapack/call.h"
 #include "service/service_entries.h"
 
-#include <functional>
 #include <thread>
 
 namespace {
@@ -26,8 +25,8 @@ struct stack {
     T *operator[](int64_t i) { return elements.data() + i * stride; }
     T &at(int64_t i, int64_t row, int64_t column) { return (*this)[i][row + column * ld]; }
 
-    /// Makes each column outweigh the others in a row of its own; with `turned`, another one in each matrix, so that
-    /// rows are interchanged.
+    /// Makes each column outweigh the others in a row of its own; with `turned`, another one in each
+    /// matrix, so that rows are interchanged.
     stack dominant(bool turned) const
     {
         stack result = *this;

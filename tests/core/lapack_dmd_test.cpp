@@ -69,8 +69,7 @@ class dmd : public testing::Test {
         }
     }
 };
-using types = testing::Types<float, double, complex8, complex16>;
-TYPED_TEST_SUITE(dmd, types);
+TYPED_TEST_SUITE(dmd, all_types);
 
 TYPED_TEST(dmd, finds_the_pairs_of_an_operator_by_all_methods_and_scalings)
 {

@@ -365,20 +365,24 @@ TEST(extensions, callers_with_32_bit_integers)
 
 template <class T>
 struct extension_reports : lapack_tests::reports {
+    int64_t info = 0;
+    T a[9] = {};
+
+    void expect_refusal(std::string routine, int64_t place) const
+    {
+        routine.replace(routine.find('?'), 1, pick<T>("S", "D", "C", "Z"));
+        EXPECT_EQ(name, routine);
+        EXPECT_EQ(position, place) << routine;
+        EXPECT_EQ(info, -place) << routine;
+    }
 };
 TYPED_TEST_SUITE(extension_reports, all_types);
 
 TYPED_TEST(extension_reports, bad_arguments)
 {
     using T = TypeParam;
-    int64_t info = 0;
-    T a[9] = {};
-    const auto expect_refusal = [&](std::string name, int64_t position) {
-        name.replace(name.find('?'), 1, pick<T>("S", "D", "C", "Z"));
-        EXPECT_EQ(this->name, name);
-        EXPECT_EQ(this->position, position) << name;
-        EXPECT_EQ(info, -position) << name;
-    };
+    T *const a = this->a;
+    int64_t &info = this->info;
     using list = std::vector<int64_t>; // n's, and the like, in order
     const auto lu = [&](const list &v) { xkl_getrfnp<T>(&v[0], &v[1], a, &v[2], &info); };
     const auto part = [&](const list &v) { xkl_getrfnpi<T>(&v[0], &v[1], &v[2], a, &v[3], &info); };
@@ -419,20 +423,32 @@ TYPED_TEST(extension_reports, bad_arguments)
                                {solve, {2, -1, 2}, "?DTTRSB", 3},
                                {solve, {2, 1, 1}, "?DTTRSB", 8}}) {
         routine(arguments);
-        expect_refusal(name, position);
+        this->expect_refusal(name, position);
     }
+}
+
+TYPED_TEST(extension_reports, bad_letters)
+{
+    using T = TypeParam;
+    const int64_t one = 1;
+    T *const a = this->a;
+    int64_t *const info = &this->info;
+    xkl_tppack<T>("X", "N", &one, a, &one, &one, &one, &one, a, &one, info);
+    this->expect_refusal("XKL_?TPPACK", 1);
+    xkl_tpunpack<T>("L", "X", &one, a, &one, &one, &one, &one, a, &one, info);
+    this->expect_refusal("XKL_?TPUNPACK", 2);
+    dttrsb<T>("X", &one, &one, a, a, a, a, &one, info);
+    this->expect_refusal("?DTTRSB", 1);
+}
+
+TYPED_TEST(extension_reports, of_routines_without_info)
+{
     const int64_t one = 1, two = 2;
-    xkl_tppack<T>("X", "N", &one, a, &one, &one, &one, &one, a, &one, &info);
-    expect_refusal("XKL_?TPPACK", 1);
-    xkl_tpunpack<T>("L", "X", &one, a, &one, &one, &one, &one, a, &one, &info);
-    expect_refusal("XKL_?TPUNPACK", 2);
-    dttrsb<T>("X", &one, &one, a, a, a, a, &one, &info);
-    expect_refusal("?DTTRSB", 1);
-    info = -3; // these have none
-    xkl_spffrt2<T>(a, &one, &two, a, a);
-    expect_refusal("XKL_?SPFFRT2", 3);
-    xkl_spffrtx<T>(a, &one, &two, a, a);
-    expect_refusal("XKL_?SPFFRTX", 3);
+    this->info = -3; // not theirs
+    xkl_spffrt2<TypeParam>(this->a, &one, &two, this->a, this->a);
+    this->expect_refusal("XKL_?SPFFRT2", 3);
+    xkl_spffrtx<TypeParam>(this->a, &one, &two, this->a, this->a);
+    this->expect_refusal("XKL_?SPFFRTX", 3);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// Truncated singular value decompositions of batches, judged by what they claim: the factors are orthonormal, the
-// values those that the matrices were made with, and the residual what is missing.
+// Truncated singular value decompositions of batches, judged by what they claim: the factors are
+// orthonormal, the values those that the matrices were made with, and the residual what is missing.
 #include "blas_reference.h"
 
 #include "lapack/call.h"

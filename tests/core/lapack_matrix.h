@@ -2,6 +2,8 @@
 // the machine's precision, relative to the norms and the size of the problem.
 #pragma once
 
+#include "element_types.h"
+
 #include <algorithm>
 #include <cmath>
 #include <complex>
@@ -13,22 +15,7 @@
 
 namespace lapack_tests {
 
-using complex8 = std::complex<float>;
-using complex16 = std::complex<double>;
-
-template <class T>
-constexpr bool is_complex = !std::is_floating_point_v<T>;
-template <class T>
-using real_of = decltype(std::abs(T{}));
-
-template <class T>
-T conjugate(T x)
-{
-    if constexpr (is_complex<T>)
-        return std::conj(x);
-    else
-        return x;
-}
+using namespace element_types;
 
 /// Column-major, without gaps.
 template <class T>
@@ -136,20 +123,6 @@ double in_units(const matrix<T> &difference, double size, int64_t order)
 {
     return norm(difference) /
            (size * static_cast<double>(order) * std::numeric_limits<real_of<T>>::epsilon());
-}
-
-/// The routine of this type.
-template <class T, class S, class D, class C, class Z>
-auto pick(S single, D double_, C complex_single, Z complex_double)
-{
-    if constexpr (std::is_same_v<T, float>)
-        return single;
-    else if constexpr (std::is_same_v<T, double>)
-        return double_;
-    else if constexpr (std::is_same_v<T, complex8>)
-        return complex_single;
-    else
-        return complex_double;
 }
 
 /// Columns from one up to another.

@@ -12,8 +12,7 @@ using xkl::core::call;
 template <class T>
 class newer : public testing::Test {
 };
-using types = testing::Types<float, double, complex8, complex16>;
-TYPED_TEST_SUITE(newer, types);
+TYPED_TEST_SUITE(newer, all_types);
 
 /// I - tau*v*v', v with a 1 as its first or last element.
 template <class T>

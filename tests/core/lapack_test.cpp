@@ -1,9 +1,6 @@
 // LAPACK's main computations in all types, called as Fortran programs call them, and judged as the field
 // judges them: by residuals in units of the machine's precision, relative to the norms and the size of the
 // problem.
-#include <complex>
-#define XKL_Complex8 std::complex<float>
-#define XKL_Complex16 std::complex<double>
 #include "lapack_matrix.h"
 #include "xkl.h"
 
@@ -89,8 +86,7 @@ class lapack : public testing::Test {
     using call = routines<T>;
 };
 
-using types = testing::Types<float, double, complex8, complex16>;
-TYPED_TEST_SUITE(lapack, types);
+TYPED_TEST_SUITE(lapack, all_types);
 
 TYPED_TEST(lapack, solves_general_systems)
 {

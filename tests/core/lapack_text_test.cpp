@@ -1,8 +1,6 @@
 // What is special about single LAPACK routines: names and other text without their lengths, values that are
 // not numbers, machine constants, and the reports of errors that LAPACK finds itself.
-#include <complex>
-#define XKL_Complex8 std::complex<float>
-#define XKL_Complex16 std::complex<double>
+#include "element_types.h"
 #include "lapack_reports.h"
 #include "xkl.h"
 

@@ -126,8 +126,7 @@ matrix<T> of_rank(int64_t m, int64_t n, int64_t rank)
 template <class T>
 class truncated_qr : public testing::Test {
 };
-using types = testing::Types<float, double, complex8, complex16>;
-TYPED_TEST_SUITE(truncated_qr, types);
+TYPED_TEST_SUITE(truncated_qr, all_types);
 
 // The last ones are factored in blocks.
 constexpr int64_t shapes[][2] = {{1, 1}, {1, 4}, {5, 1}, {7, 5}, {5, 9}, {40, 40}, {170, 150}, {140, 190}};

@@ -28,16 +28,6 @@ COPY_ENTRY(omatadd_batch_strided);
 COPY_ENTRY(omatcopy_batch);
 COPY_ENTRY(imatcopy_batch);
 
-/// Real scalars go by value, complex ones by address.
-template <class T>
-auto pass(const T &scalar)
-{
-    if constexpr (is_complex<T>)
-        return &scalar;
-    else
-        return scalar;
-}
-
 constexpr char operations[] = {'N', 'T', 'C', 'R', 'n', 't', 'c', 'r'};
 
 bool turns(char trans)

@@ -153,8 +153,8 @@ TEST(kinds, saddle_point)
             EXPECT_EQ(s.iparm[22], constraints);
             EXPECT_EQ(s.iparm[21], a.n - constraints);
         }
-        // As an unsymmetric one, whose rows are matched to columns first: with its values, and after a release
-        // of the factors.
+        // As an unsymmetric one, whose rows are matched to columns first: with its values, and after a
+        // release of the factors.
         solver<double> unsymmetric(a, 11);
         unsymmetric.b = random_vector<double>(a.n);
         ASSERT_EQ(unsymmetric.run(13), 0);

@@ -2,9 +2,8 @@
 // discretizations, and a call of pardiso that remembers its arguments.
 #pragma once
 
-#include <complex>
-#define XKL_Complex8 std::complex<float>
-#define XKL_Complex16 std::complex<double>
+#include "element_types.h"
+
 #include "xkl_solvers.h"
 
 #include <gtest/gtest.h>
@@ -17,21 +16,7 @@
 #include <string>
 #include <vector>
 
-using complex16 = std::complex<double>;
-
-template <class T>
-inline constexpr bool is_complex = !std::is_floating_point_v<T>;
-template <class T>
-using real_of = decltype(std::abs(T{}));
-
-template <class T>
-T conjugate(T value)
-{
-    if constexpr (is_complex<T>)
-        return std::conj(value);
-    else
-        return value;
-}
+using namespace element_types;
 
 // A whole matrix by its elements.
 template <class T>

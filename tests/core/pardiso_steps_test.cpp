@@ -4,7 +4,6 @@
 #include "xkl_service.h"
 
 #include <cmath>
-#include <cstring>
 #include <unistd.h>
 
 namespace {
@@ -271,7 +270,6 @@ TEST(dss, real_and_complex_solutions)
         EXPECT_EQ(inertia[1] + inertia[2], 0);
     }
 
-    using complex8 = std::complex<float>;
     const matrix<complex8> c = laplace<complex8>(7, 2, {-1.f, 0.5f}, {0.3f, 0.1f});
     const rows<complex8> zero_based(c, false, 0);
     steps z(XKL_DSS_ZERO_BASED_INDEXING + XKL_DSS_SINGLE_PRECISION + XKL_DSS_MSG_LVL_FATAL +

@@ -1,8 +1,7 @@
 // FEAST over the default core: eigenvalues of pencils whose spectrum is known, in every storage and type, and
 // against LAPACK.
-#include <complex>
-#define XKL_Complex8 std::complex<float>
-#define XKL_Complex16 std::complex<double>
+#include "element_types.h"
+
 #include "xkl_lapack.h"
 #include "xkl_solvers.h"
 
@@ -17,16 +16,7 @@
 
 namespace {
 
-template <class T>
-struct real_type {
-    using type = T;
-};
-template <class R>
-struct real_type<std::complex<R>> {
-    using type = R;
-};
-template <class T>
-using real_of = typename real_type<T>::type;
+using element_types::real_of;
 
 /// The drivers of a type under one name each
 template <class T>
@@ -46,8 +36,8 @@ constexpr auto drivers()
                                zfeast_hcsrgv);
 }
 
-/// A tridiagonal matrix of order n with equal elements along its diagonals, or, for complex types, one that is
-/// similar to it by phases: its eigenvalues are diagonal + 2 beside cos(k pi/(n+1)).
+/// A tridiagonal matrix of order n with equal elements along its diagonals, or, for complex types, one
+/// that is similar to it by phases: its eigenvalues are diagonal + 2 beside cos(k pi/(n+1)).
 template <class T>
 struct tridiagonal {
     int64_t n;
@@ -180,8 +170,7 @@ class feast : public testing::Test {
     }
 };
 
-using types = testing::Types<float, double, std::complex<float>, std::complex<double>>;
-TYPED_TEST_SUITE(feast, types);
+TYPED_TEST_SUITE(feast, element_types::all_types);
 
 TYPED_TEST(feast, dense_matrices)
 {

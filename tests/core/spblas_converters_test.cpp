@@ -238,6 +238,14 @@ TYPED_TEST(spblas_converters, diagonals)
             }
             job[0] = 0;
         }
+    });
+}
+
+TYPED_TEST(spblas_converters, diagonals_refuse)
+{
+    const std::string name = name_of<TypeParam>("XKL_?CSRDIA");
+    for_each_base<TypeParam>([&](std::vector<int64_t> job, const sample<TypeParam> &a, int64_t, int64_t) {
+        const int64_t n = a.rows, lead = n + 1;
         int64_t info = canary, few = n - 1;
         job[5] = 2;
         call(name, {job.data(), &n, nullptr, nullptr, nullptr, nullptr, &lead, nullptr, nullptr, nullptr,

@@ -1,9 +1,5 @@
 // Convolution from a program's side: the public routines with their 64-bit integers, in C and in Fortran's
 // convention, over the default core.
-#include <complex>
-
-#define XKL_Complex8 std::complex<float>
-#define XKL_Complex16 std::complex<double>
 #include "conv_task.h"
 #include "xkl_vsl.h"
 

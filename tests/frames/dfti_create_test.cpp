@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 namespace {
 
 /// The lengths that a creator was given, in the core's order, read while they are alive.

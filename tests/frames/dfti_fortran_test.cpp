@@ -1,5 +1,5 @@
-// What Fortran calls: every spelling of every row, where it goes, and the access to reals, vectors and text that
-// this library serves itself.
+// What Fortran calls: every spelling of every row, where it goes, and the access to reals, vectors and
+// text that this library serves itself.
 #include "dfti_fake.h"
 #include "routine_call.h"
 

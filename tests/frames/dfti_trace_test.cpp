@@ -1,4 +1,5 @@
-// The trace lines of computations, from data/dfti_lines.tbl: what a descriptor holds, and the line it must leave.
+// The trace lines of computations, from data/dfti_lines.tbl: what a descriptor holds, and the line it
+// must leave.
 #include "dfti_fake.h"
 
 #include "xkl_dfti.h"

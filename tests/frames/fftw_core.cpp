@@ -3,7 +3,6 @@
 #include "dft/descriptor.h"
 
 #include <bit>
-#include <memory>
 
 namespace {
 

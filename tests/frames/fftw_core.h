@@ -8,8 +8,8 @@
 #include <vector>
 
 struct fftw_core {
-    /// "create dcmd 4 3" (lengths in C order), "set 7 2", "set 12 0 3 1" (offset, strides in C order), "commit", "free",
-    /// "forward a b" with letters for addresses, "r2r ..."
+    /// "create dcmd 4 3" (lengths in C order), "set 7 2", "set 12 0 3 1" (offset, strides in C order),
+    /// "commit", "free", "forward a b" with letters for addresses, "r2r ..."
     std::vector<std::string> steps;
     int failing_step = 0;  // the step of this number, from 1, fails
     bool harmless = false; // whether the status of the failing step is one of success after all

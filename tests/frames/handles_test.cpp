@@ -1,6 +1,6 @@
-// The sparse BLAS on handles over the recording core: C names pass what came, Fortran names read values of the
-// right width through addresses. Calls are laid out by hand, as the calling convention of this machine has
-// them, so that no compiler's idea of the lists is shared with the library.
+// The sparse BLAS on handles over the recording core: C names pass what came, Fortran names read values
+// of the right width through addresses. Calls are laid out by hand, as the calling convention of this
+// machine has them, so that no compiler's idea of the lists is shared with the library.
 #include "recorder.h"
 #include "routine_call.h"
 
@@ -47,8 +47,9 @@ class drawn_call {
             arguments_.push_back(drawn(kind, is_complex, static_cast<int64_t>(arguments_.size()) + 1));
     }
 
-    /// As C passes them: six words in registers, the rest on the stack. A descriptor takes two words, together
-    /// in registers or together on the stack, where words behind it may still fit into registers.
+    /// As C passes them: six words in registers, the rest on the stack. A descriptor takes two words,
+    /// together in registers or together on the stack, where words behind it may still fit into
+    /// registers.
     words by_value() const
     {
         words registers, stack;

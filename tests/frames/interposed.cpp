@@ -1,5 +1,5 @@
-// Built once for every link of the callback chains, with DEFINED as the link's name: this program defines it, and calls that enter
-// the chain at or above it must arrive here instead of at the core's default.
+// Built once for every link of the callback chains, with DEFINED as the link's name: this program defines
+// it, and calls that enter the chain at or above it must arrive here instead of at the core's default.
 #include "recorder.h"
 
 #include "xkl.h"

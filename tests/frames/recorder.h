@@ -78,8 +78,8 @@ struct recorded_descriptor {
     int32_t type, mode, diag;
 };
 int64_t recorded_integer();
-/// Who was registered for reports since the last `reset`; null if nobody was. Frames write it in place, without
-/// a step "register", if XKL_RECORD_IN_PLACE is set.
+/// Who was registered for reports since the last `reset`; null if nobody was. Frames write it in place,
+/// without a step "register", if XKL_RECORD_IN_PLACE is set.
 xkl_xerbla_handler registered_handler();
 double recorded_real();
 

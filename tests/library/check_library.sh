@@ -18,7 +18,8 @@ comm -23 "$scratch/golden" "$scratch/built" >"$scratch/missing"
 [ ! -s "$scratch/unknown" ] || complain "exported, but not in the reviewed lists ($golden): $(tr '\n' ' ' <"$scratch/unknown")"
 [ ! -s "$scratch/missing" ] || complain "in the reviewed lists, but not exported: $(tr '\n' ' ' <"$scratch/missing")"
 
-# Imports: the core's entries, and of libc only what ends the process or serves the loader of the kernel library.
+# Imports: the core's entries, and of libc only what ends the process or serves the loader of the kernel
+# library.
 nm -D --undefined-only "$library" | awk '{print $NF}' | sed 's/@.*//' | sort -u |
     grep -vE '^(xkl_(serv|blas|lapack|trans|conv|dft|spblas|sparse|pds|iss|trs|feast|vml_serv_threader)_.*|exit|dlsym|dlerror|dladdr|getcwd|__cxa_finalize|__gmon_start__|_ITM_.*)$' >"$scratch/foreign" || true
 [ ! -s "$scratch/foreign" ] || complain "imports that are neither the core's nor allowed: $(tr '\n' ' ' <"$scratch/foreign")"

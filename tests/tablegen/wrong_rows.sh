@@ -90,8 +90,8 @@ expect_lapacke '`let NAME = VALUE`' 'let k m'
 expect_lapacke '`check ARGUMENT if CONDITION`' 'check n'
 expect_lapacke 'no table has the routine `DGEEY`' 'a in ge(m, n)
 ?GEEY D'
-# expect_vml MESSAGE ROW, expect_kernel MESSAGE ROW, expect_setting MESSAGE ROW: a function, the provider of a kernel, an
-# operation on mode and status
+# expect_vml MESSAGE ROW, expect_kernel MESSAGE ROW, expect_setting MESSAGE ROW: a function, the provider
+# of a kernel, an operation on mode and status
 expect_vml() {
     printf '\n\n%s\n' "$2" >"$scratch/wrong.tbl"
     refused "$1" "$2" vml-threaders --vml "$scratch/wrong.tbl"
