@@ -58,7 +58,7 @@ enum result : int64_t {
     bad_subspace = 201,
     bad_size = 202,
     no_memory = -1,
-    singular_system = -2,
+    singular_system = -2, // or its solution failed
     reduced_failed = -3
 };
 

@@ -238,8 +238,9 @@ bool iteration<T>::project()
 template <class T>
 bool iteration<T>::ended()
 {
-    const bool crowded = *m == size() && size()<n, good = *m> 0 && converged(*epsout);
-    if (*m == 0 && *loop > 0)
+    const bool crowded = *m == size() && n > size();
+    const bool good = *m != 0 && converged(*epsout);
+    if (*m == 0 && (*loop > 0 || size() == 0))
         finish(none_found);
     else if (good || *loop >= fpm[most_loops])
         finish(crowded ? subspace_too_small : good ? success : not_converged);

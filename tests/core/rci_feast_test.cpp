@@ -4,6 +4,7 @@
 #define XKL_Complex8 std::complex<float>
 #define XKL_Complex16 std::complex<double>
 #include "xkl_lapack.h"
+#include "xkl_service.h"
 #include "xkl_solvers.h"
 
 #include <gtest/gtest.h>
@@ -345,6 +346,26 @@ TEST_F(feast_control, says_how_it_ended)
     r.fpm[13] = 1;
     run(r);
     EXPECT_EQ(r.info, 4);
+}
+
+/// Nor does the projected problem of such a B reach routines that would report bad arguments.
+TEST_F(feast_control, notices_a_matrix_b_that_is_not_positive_definite)
+{
+    static int reports;
+    reports = 0;
+    const xkl_xerbla_handler before =
+        xkl_set_xerbla([](const char *, const int64_t *, int64_t) { ++reports; });
+    for (const double every_other : {-1.0, 1.0}) {
+        std::vector<double> b(n * n);
+        for (int64_t i = 0; i < n; ++i)
+            b[i * (n + 1)] = i % 2 == 0 ? -1 : every_other;
+        outcome<double> r(n, 30, 0.9, 2.1);
+        dfeast_sygv(&full, &n, a.data(), &n, b.data(), &n, r.fpm.data(), &r.epsout, &r.loop, &r.emin,
+                    &r.emax, &r.m0, r.e.data(), r.x.data(), &r.m, r.res.data(), &r.info);
+        EXPECT_EQ(r.info, -3) << every_other;
+    }
+    xkl_set_xerbla(before);
+    EXPECT_EQ(reports, 0);
 }
 
 TEST_F(feast_control, refuses_what_it_cannot_do)
