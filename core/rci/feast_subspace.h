@@ -81,8 +81,8 @@ struct subspace {
         return info == 0;
     }
 
-    /// basis^H * reduced_b * basis = 1, for as many columns as reduced_b has rank. False where it can't be that
-    /// of a positive definite B: rounding makes small negative eigenvalues of zeros, but no large ones.
+    /// basis^H * reduced_b * basis = 1, for as many columns as reduced_b has rank. False where B can't be
+    /// positive definite: rounding makes small negative eigenvalues of zeros, but no large ones.
     bool whiten(T *basis, int64_t &rank) const
     {
         const auto weights = iss::space_for<real>(size);
