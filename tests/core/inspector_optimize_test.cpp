@@ -128,9 +128,9 @@ TEST(inspector_optimize, rectangles_are_not_prepared_for_solves)
     double values[] = {1, 2, 3}, x[] = {1, 1}, y[] = {7, 7};
     const matrix_descr upper{SPARSE_MATRIX_TYPE_TRIANGULAR, SPARSE_FILL_MODE_UPPER, SPARSE_DIAG_NON_UNIT};
     sparse_matrix_t a = nullptr;
-    ASSERT_EQ(xkl_sparse_d_create_csr(&a, SPARSE_INDEX_BASE_ZERO, 2, cols, starts, starts + 1, columns,
-                                      values),
-              0);
+    ASSERT_EQ(
+        xkl_sparse_d_create_csr(&a, SPARSE_INDEX_BASE_ZERO, 2, cols, starts, starts + 1, columns, values),
+        0);
     for (const auto operation : {plain, turned}) {
         ASSERT_EQ(xkl_sparse_set_sv_hint(a, operation, upper, 100), 0);
         EXPECT_EQ(xkl_sparse_optimize(a), 0);
