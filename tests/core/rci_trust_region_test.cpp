@@ -8,6 +8,7 @@
 #include <cmath>
 #include <functional>
 #include <numbers>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -229,6 +230,46 @@ TEST(bounded_least_squares, rest_on_the_bounds)
     x = {5, 5}; // outside: begins at the bounds
     solve(rosenbrock, x, &lower, &upper);
     EXPECT_NEAR(x[1], 0.25, 1e-8);
+}
+
+/// |A x - b| in a box: at the end each variable has a slope of zero, or is pushed against its bound.
+TEST(bounded_least_squares, linear_ones_end_where_no_way_leads_down)
+{
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> uniform(-1, 1);
+    for (int64_t trial = 0; trial < 400; ++trial) {
+        const int64_t n = 1 + trial % 5, m = n + trial % 4, most = 500;
+        const double eps[6] = {1e-10, 1e-10, 1e-12, 1e-10, 1e-14, 0}, factor = 1;
+        values a(m * n), b(m), x(n), f(m), lower(n, -1), upper(n, 1);
+        for (values *each : {&a, &b, &x})
+            for (double &value : *each)
+                value = 2 * uniform(random);
+        const auto evaluate = [&] {
+            for (int64_t i = 0; i < m; ++i) {
+                f[i] = -b[i];
+                for (int64_t j = 0; j < n; ++j)
+                    f[i] += a[j * m + i] * x[j];
+            }
+        };
+        void *handle = nullptr;
+        ASSERT_EQ(dtrnlspbc_init(&handle, &n, &m, x.data(), lower.data(), upper.data(), eps, &most, &most,
+                                 &factor),
+                  XKL_TR_SUCCESS);
+        int64_t request = 0;
+        do {
+            evaluate();
+            ASSERT_EQ(dtrnlspbc_solve(&handle, f.data(), a.data(), &request), XKL_TR_SUCCESS);
+        } while (request > 0);
+        EXPECT_EQ(dtrnlspbc_delete(&handle), XKL_TR_SUCCESS);
+        evaluate();
+        for (int64_t j = 0; j < n; ++j) {
+            double slope = 0;
+            for (int64_t i = 0; i < m; ++i)
+                slope += a[j * m + i] * f[i];
+            const bool held = x[j] == lower[j] ? slope > 0 : x[j] == upper[j] && slope < 0;
+            EXPECT_TRUE(held || std::abs(slope) < 1e-4) << trial << ": " << slope << " at " << x[j];
+        }
+    }
 }
 
 TEST(least_squares_handle, tells_why_it_ends)
