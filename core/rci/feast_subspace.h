@@ -81,16 +81,15 @@ struct subspace {
         return info == 0;
     }
 
-    /// basis^H * reduced_b * basis = 1, for as many columns as reduced_b has rank. False where B can't be
-    /// positive definite: rounding makes small negative eigenvalues of zeros, but no large ones.
+    /// basis^H * reduced_b * basis = 1, for as many columns as reduced_b has rank. False where nothing of B
+    /// is positive.
     bool whiten(T *basis, int64_t &rank) const
     {
         const auto weights = iss::space_for<real>(size);
         std::copy(reduced_b, reduced_b + size * size, basis);
         if (!weights || !diagonalize(basis, size, weights.get()))
             return false;
-        constexpr auto rounding = real(0.01);
-        if (!(weights[size - 1] >= 0 && weights[0] >= -rounding * weights[size - 1]))
+        if (!(weights[size - 1] >= 0))
             return false;
         const real least = weights[size - 1] * std::numeric_limits<real>::epsilon() * static_cast<real>(n);
         rank = 0;
