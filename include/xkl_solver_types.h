@@ -102,15 +102,15 @@
 
 /* What dss_ routines return. */
 #define XKL_DSS_SUCCESS 0
-#define XKL_DSS_ZERO_PIVOT (-1)      /* the matrix is singular */
-#define XKL_DSS_OUT_OF_MEMORY (-2)   /* memory ran out */
-#define XKL_DSS_FAILURE (-3)         /* the solver failed for no reason of this list */
-#define XKL_DSS_ROW_ERR (-4)         /* rowindex is not valid */
-#define XKL_DSS_COL_ERR (-5)         /* columns is not valid */
-#define XKL_DSS_TOO_FEW_VALUES (-6)  /* nnonzeros is less than rowindex says */
-#define XKL_DSS_TOO_MANY_VALUES (-7) /* nnonzeros is more than rowindex says */
-#define XKL_DSS_NOT_SQUARE (-8)      /* nrows and ncols differ */
-#define XKL_DSS_STATE_ERR (-9) /* a step before this one was left out, or the handle is none, or at work */
+#define XKL_DSS_ZERO_PIVOT (-1)                 /* the matrix is singular */
+#define XKL_DSS_OUT_OF_MEMORY (-2)              /* memory ran out */
+#define XKL_DSS_FAILURE (-3)                    /* the solver failed for no reason of this list */
+#define XKL_DSS_ROW_ERR (-4)                    /* rowindex is not valid */
+#define XKL_DSS_COL_ERR (-5)                    /* columns is not valid */
+#define XKL_DSS_TOO_FEW_VALUES (-6)             /* nnonzeros is less than rowindex says */
+#define XKL_DSS_TOO_MANY_VALUES (-7)            /* nnonzeros is more than rowindex says */
+#define XKL_DSS_NOT_SQUARE (-8)                 /* nrows and ncols differ */
+#define XKL_DSS_STATE_ERR (-9)                  /* a step was left out; no such handle, or at work */
 #define XKL_DSS_INVALID_OPTION (-10)            /* opt is not valid */
 #define XKL_DSS_OPTION_CONFLICT (-11)           /* opt contradicts an earlier one */
 #define XKL_DSS_MSG_LVL_ERR (-12)               /* the level of messages is not valid */
