@@ -333,7 +333,8 @@ TEST(protocol, callbacks_get_no_turn)
         steps_answer = dss_statistics(&steps_handle, &nothing, "Peakmem", values);
     };
     double b[] = {1, 2}, x[2];
-    ASSERT_EQ(s.run(12), 0);
+    ASSERT_EQ(s.run(11), 0);
+    ASSERT_EQ(s.run(22), 0);
     EXPECT_EQ(pardiso_answer, XKL_PARDISO_INPUT_ERROR);
     EXPECT_EQ(steps_answer, XKL_DSS_SUCCESS) << "another solution";
     // Parts need factors without exchanges, which this matrix has none of.
