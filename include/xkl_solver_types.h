@@ -110,7 +110,7 @@
 #define XKL_DSS_TOO_FEW_VALUES (-6)             /* nnonzeros is less than rowindex says */
 #define XKL_DSS_TOO_MANY_VALUES (-7)            /* nnonzeros is more than rowindex says */
 #define XKL_DSS_NOT_SQUARE (-8)                 /* nrows and ncols differ */
-#define XKL_DSS_STATE_ERR (-9)                  /* a step before this one was left out */
+#define XKL_DSS_STATE_ERR (-9)                  /* a step was left out; no such handle, or at work */
 #define XKL_DSS_INVALID_OPTION (-10)            /* opt is not valid */
 #define XKL_DSS_OPTION_CONFLICT (-11)           /* opt contradicts an earlier one */
 #define XKL_DSS_MSG_LVL_ERR (-12)               /* the level of messages is not valid */
@@ -182,9 +182,9 @@ typedef struct {
 #define XKL_ISS_TEST_NORM 4         /* minimal residuals: is the norm of the next vector zero? */
 #define XKL_ISS_TOO_MANY_STEPS (-1) /* the largest number of iterations was reached */
 #define XKL_ISS_BREAKDOWN (-2)     /* conjugate gradients: a division by zero; A is not positive definite */
-#define XKL_ISS_INVALID_NORM (-10) /* conjugate gradients: a norm is no number; minimal residuals: as -2 */
-#define XKL_ISS_INFINITE_CYCLE (-11) /* no progress is possible with these parameters */
-#define XKL_ISS_BAD_PARAMETERS (-12) /* minimal residuals: ipar and dpar are not valid */
+#define XKL_ISS_INVALID_NORM (-10) /* a norm is no number */
+#define XKL_ISS_INFINITE_CYCLE (-11) /* ipar(3), where to go on, is none of the solver's */
+#define XKL_ISS_BAD_PARAMETERS (-12) /* minimal residuals: n or ipar(15) is not positive */
 /* The same of the init and check routines, beside XKL_ISS_DONE. */
 #define XKL_ISS_INIT_FAILED (-10000)
 #define XKL_ISS_CHECK_FAILED (-1100)    /* the solution can't go on with these parameters */

@@ -33,7 +33,8 @@ inline bool plan_pays(const sparse_matrix &a, const hint &said, const action &ho
 {
     if (!a.copies_allowed)
         return false;
-    if (is_solve(said.what) && (how.of.block > 1 || !how.of.triangular()))
+    const bool square = a.total_rows() == a.total_cols();
+    if (is_solve(said.what) && (how.of.block > 1 || !how.of.triangular() || !square))
         return false;
     const bool own_rows = a.form == storage::csr || a.form == storage::csc;
     const bool by_rows = own_rows && how.of.whole() && !how.transposed && !how.conjugated;

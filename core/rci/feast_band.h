@@ -49,7 +49,7 @@ class band_pencil {
     }
     bool has_memory() const { return factors_ && pivots_; }
 
-    bool factor(complex z)
+    int64_t factor(complex z)
     {
         const int64_t n = a_.n;
         std::fill(factors_.get(), factors_.get() + ld_ * n, complex());
@@ -64,13 +64,14 @@ class band_pencil {
             }
         int64_t info = 0;
         call(entries::gbtrf<complex>, n, n, width_, width_, factors_.get(), ld_, pivots_.get(), &info);
-        return info == 0;
+        return info == 0 ? success : singular_system;
     }
-    void solve(complex *b, int64_t columns, bool adjoint) const
+    int64_t solve(complex *b, int64_t columns, bool adjoint) const
     {
         int64_t info = 0;
         call(entries::gbtrs<complex>, adjoint ? 'C' : 'N', a_.n, width_, width_, columns, factors_.get(),
              ld_, pivots_.get(), b, a_.n, &info);
+        return success;
     }
     void multiply_a(const T *x, T *y, int64_t columns) const { a_.multiply(x, y, columns); }
     void multiply_b(const T *x, T *y, int64_t columns) const

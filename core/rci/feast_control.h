@@ -30,7 +30,8 @@ enum fpm_place : int {
     column_count = 24,
     step_of_filter = 25,
     check_a = 26,
-    check_b = 27
+    check_b = 27,
+    dropped = 28 // kept, too: not 0 once the subspace was larger than what the filter left
 };
 inline constexpr int fpm_length = 128;
 
@@ -58,7 +59,7 @@ enum result : int64_t {
     bad_subspace = 201,
     bad_size = 202,
     no_memory = -1,
-    singular_system = -2,
+    singular_system = -2, // or its solution failed
     reduced_failed = -3
 };
 

@@ -1,5 +1,5 @@
-// FEAST for sparse matrices: compressed rows, indices from 1. The shifted systems are solved by the sparse
-// LU factors of Eigen; their pattern, that of A and B together, is analysed once.
+// FEAST for sparse matrices: compressed rows, indices from 1. The shifted systems go to the engines of the
+// direct solvers; their pattern, that of A and B together, is analysed once.
 #pragma once
 
 #include "feast_drive.h"
@@ -77,7 +77,7 @@ class csr_pencil {
         order_ = small ? solvers::column_degree(pattern_) : solvers::minimum_degree(pattern_);
     }
 
-    bool factor(complex z)
+    int64_t factor(complex z)
     {
         std::fill(values_.begin(), values_.end(), complex());
         a_.for_each([&](int64_t i, int64_t j, T value) { values_[place_of(i, j)] -= complex(value); });
@@ -88,20 +88,22 @@ class csr_pencil {
         else
             for (int64_t i = 0; i < a_.n; ++i)
                 values_[place_of(i, i)] += z;
-        if (!analysed_ && engine_->analyse(pattern_, values_.data(), order_) != XKL_PARDISO_SUCCESS)
-            return false;
+        if (!analysed_)
+            if (const int64_t error = engine_->analyse(pattern_, values_.data(), order_))
+                return result_of(error);
         analysed_ = true;
-        return engine_->factor(pattern_, values_.data()) == XKL_PARDISO_SUCCESS;
+        return result_of(engine_->factor(pattern_, values_.data()));
     }
     /// The adjoint's solution is the conjugate of the transpose's for conjugate sides.
-    void solve(complex *b, int64_t columns, bool adjoint)
+    int64_t solve(complex *b, int64_t columns, bool adjoint)
     {
         const auto conjugate_all = [&] { std::transform(b, b + a_.n * columns, b, conjugate<complex>); };
         if (adjoint)
             conjugate_all();
-        engine_->solve(adjoint, b, columns);
+        const int64_t error = engine_->solve(adjoint, b, columns);
         if (adjoint)
             conjugate_all();
+        return result_of(error);
     }
     void multiply_a(const T *x, T *y, int64_t columns) const { a_.multiply(x, y, columns); }
     void multiply_b(const T *x, T *y, int64_t columns) const
@@ -110,6 +112,12 @@ class csr_pencil {
     }
 
   private:
+    static int64_t result_of(int64_t error)
+    {
+        return error == XKL_PARDISO_SUCCESS         ? success
+               : error == XKL_PARDISO_OUT_OF_MEMORY ? no_memory
+                                                    : singular_system;
+    }
     /// The diagonal and what either matrix has, by rows with ascending columns
     void find_pattern()
     {

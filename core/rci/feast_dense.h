@@ -41,7 +41,7 @@ class dense_pencil {
     }
     bool has_memory() const { return factors_ && pivots_; }
 
-    bool factor(complex z)
+    int64_t factor(complex z)
     {
         const int64_t n = a_.n;
         for (int64_t j = 0; j < n; ++j)
@@ -51,13 +51,14 @@ class dense_pencil {
             }
         int64_t info = 0;
         call(entries::getrf<complex>, n, n, factors_.get(), n, pivots_.get(), &info);
-        return info == 0;
+        return info == 0 ? success : singular_system;
     }
-    void solve(complex *b, int64_t columns, bool adjoint) const
+    int64_t solve(complex *b, int64_t columns, bool adjoint) const
     {
         int64_t info = 0;
         call(entries::getrs<complex>, adjoint ? 'C' : 'N', a_.n, columns, factors_.get(), a_.n,
              pivots_.get(), b, a_.n, &info);
+        return success;
     }
     void multiply_a(const T *x, T *y, int64_t columns) const { a_.multiply(x, y, columns); }
     void multiply_b(const T *x, T *y, int64_t columns) const

@@ -24,9 +24,10 @@ struct search {
 };
 
 /// A pencil offers
-///     bool factor(complex z)                              z*B - A; false if that is singular
-///     void solve(complex *b, int64_t columns, bool adjoint)
+///     int64_t factor(complex z)                           z*B - A
+///     int64_t solve(complex *b, int64_t columns, bool adjoint)
 ///     void multiply_a(const T *x, T *y, int64_t columns), multiply_b
+/// The first two tell what info is to say, success or the reason to stop.
 template <class T, class Pencil>
 void drive(int64_t n, Pencil &pencil, const search<T> &in)
 {
@@ -51,16 +52,14 @@ void drive(int64_t n, Pencil &pencil, const search<T> &in)
         next.step();
         const int64_t columns_now = in.fpm[columns];
         const int64_t at = (in.fpm[first_column] - 1) * n;
+        int64_t why = success;
         switch (ijob) {
         case factor:
-            if (!pencil.factor(ze)) {
-                *in.info = singular_system;
-                return;
-            }
+            why = pencil.factor(ze);
             break;
         case solve:
         case solve_adjoint:
-            pencil.solve(workc.get(), columns_now, ijob == solve_adjoint);
+            why = pencil.solve(workc.get(), columns_now, ijob == solve_adjoint);
             break;
         case multiply_a:
             pencil.multiply_a(in.x + at, work.get() + at, in.fpm[column_count]);
@@ -71,6 +70,10 @@ void drive(int64_t n, Pencil &pencil, const search<T> &in)
         case factor_adjoint: // the factors serve both
             break;
         default:
+            return;
+        }
+        if (why != success) {
+            *in.info = why;
             return;
         }
     }

@@ -156,6 +156,7 @@ bool iteration<T>::begin()
     *epsout = 1;
     *m = 0;
     fpm[columns] = *m0;
+    fpm[dropped] = 0;
     if (fpm[start_given] == 0)
         fill_start(work, n * *m0);
     return true;
@@ -221,6 +222,7 @@ bool iteration<T>::project()
         finish(why);
         return false;
     }
+    fpm[dropped] |= space.size < size();
     fpm[columns] = *m0 = space.size;
     for (int64_t k = 0; k < *m; ++k)
         trace += lambda[k];
@@ -238,8 +240,9 @@ bool iteration<T>::project()
 template <class T>
 bool iteration<T>::ended()
 {
-    const bool crowded = *m == size() && size()<n, good = *m> 0 && converged(*epsout);
-    if (*m == 0 && *loop > 0)
+    const bool crowded = *m == size() && n > size() && fpm[dropped] == 0;
+    const bool good = *m != 0 && converged(*epsout);
+    if (*m == 0 && (*loop > 0 || size() == 0))
         finish(none_found);
     else if (good || *loop >= fpm[most_loops])
         finish(crowded ? subspace_too_small : good ? success : not_converged);

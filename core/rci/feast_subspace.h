@@ -40,11 +40,15 @@ struct subspace {
         int64_t rank = 0;
         if (!whiten(basis, rank))
             return reduced_failed;
+        if (rank == 0) { // the filter left nothing: no eigenvalue is near
+            inside = size = 0;
+            return success;
+        }
         call(entries::gemm<T>, 'N', 'N', size, rank, size, T(1), reduced_a, size, basis, size, T(0), spare,
              size);
         call(entries::gemm<T>, adjoint, 'N', rank, rank, size, T(1), basis, size, spare, size, T(0), matrix,
              rank);
-        if (rank > 0 && !diagonalize(matrix, rank, lambda))
+        if (!diagonalize(matrix, rank, lambda))
             return reduced_failed;
         call(entries::gemm<T>, 'N', 'N', size, rank, rank, T(1), basis, size, matrix, rank, T(0), spare,
              size);
@@ -77,12 +81,15 @@ struct subspace {
         return info == 0;
     }
 
-    /// basis^H * reduced_b * basis = 1, for as many columns as reduced_b has rank
+    /// basis^H * reduced_b * basis = 1, for as many columns as reduced_b has rank. False where nothing of B
+    /// is positive.
     bool whiten(T *basis, int64_t &rank) const
     {
         const auto weights = iss::space_for<real>(size);
         std::copy(reduced_b, reduced_b + size * size, basis);
         if (!weights || !diagonalize(basis, size, weights.get()))
+            return false;
+        if (!(weights[size - 1] >= 0))
             return false;
         const real least = weights[size - 1] * std::numeric_limits<real>::epsilon() * static_cast<real>(n);
         rank = 0;

@@ -16,13 +16,13 @@ namespace xkl::core::iss {
 /// ierr of both factorizations; docs/sparse.md explains them.
 enum incomplete_error : int64_t {
     incomplete_done = 0,
-    no_diagonal = -101,   // ILU0: a row has none. ILUT: a row is empty
+    no_diagonal = -101,   // ILU0: a row has none. ILUT: a row is empty. Both: one ends before it starts
     zero_diagonal = -102, // a pivot is zero, or too small, and ipar(31) does not allow to replace it
-    tiny_diagonal = -103, // ILU0: a pivot is so small that dividing by it overflows. ILUT: bad row starts
+    tiny_diagonal = -103, // ILU0: a pivot is so small that dividing by it overflows
     incomplete_no_memory = -104,
     bad_order = -105, // n is not positive
     columns_not_ascending = -106,
-    bad_column = -107,        // outside of 1 to n
+    bad_column = -107,        // outside of 1 to n, as the first row start other than 1 is, too
     filling_cut = 101,        // ILUT: maxfil is not less than n
     negative_tolerance = 102, // ILUT: tol is negative; its amount was used
     large_tolerance = 103,    // ILUT: tol is larger than dpar(31), the least pivot
@@ -48,13 +48,18 @@ struct sparse_rows {
     {
         if (n <= 0)
             return bad_order;
-        for (int64_t row = 0; row < n; ++row)
+        if (ia[0] != 1)
+            return bad_column;
+        for (int64_t row = 0; row < n; ++row) {
+            if (end(row) < begin(row))
+                return no_diagonal;
             for (int64_t place = begin(row); place < end(row); ++place) {
                 if (column(place) < 0 || column(place) >= n)
                     return bad_column;
                 if (place > begin(row) && column(place) <= column(place - 1))
                     return columns_not_ascending;
             }
+        }
         return incomplete_done;
     }
 };

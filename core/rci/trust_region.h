@@ -205,7 +205,8 @@ void trust_region<T>::find_step()
     for (int turn = 0; turn < 50 && length > near * radius_; ++turn) {
         T slope = 0;
         for (int64_t k = 0; k < n_; ++k)
-            slope += filtered_[k] * filtered_[k] / (sigma_[k] * sigma_[k] + lambda);
+            if (filtered_[k] != 0) // where a variable is held sigma is 0, and so is lambda at first
+                slope += filtered_[k] * filtered_[k] / (sigma_[k] * sigma_[k] + lambda);
         if (!(slope > 0))
             break;
         lambda += (length / radius_ - 1) * length * length / slope;

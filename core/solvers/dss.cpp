@@ -56,7 +56,9 @@ int64_t on_solution(void **handle, const dss_options &options, const Work &work)
             return XKL_DSS_STATE_ERR;
         if (options.error != XKL_DSS_SUCCESS)
             return options.error;
-        const std::lock_guard<std::mutex> turn(found->turn);
+        const turn_at turn(found->calls);
+        if (!turn.taken())
+            return XKL_DSS_STATE_ERR;
         const int64_t status = work(*found);
         constexpr int errors = 5;
         if (status != XKL_DSS_SUCCESS && options.message_level <= errors)
@@ -237,10 +239,12 @@ int64_t dss_delete(void **handle, const int64_t *opt)
     const dss_options options = take_apart(opt, 0, 0, 0);
     if (options.error != XKL_DSS_SUCCESS)
         return options.error;
-    const auto found = handle ? dss_solutions().remove(*handle) : nullptr;
+    const auto found = handle ? dss_solutions().find(*handle) : nullptr;
     if (!found)
         return XKL_DSS_STATE_ERR;
-    const std::lock_guard<std::mutex> after_the_last(found->turn);
+    const turn_at after_the_last(found->calls);
+    if (!after_the_last.taken() || !dss_solutions().remove(*handle))
+        return XKL_DSS_STATE_ERR;
     *handle = nullptr;
     return XKL_DSS_SUCCESS;
 }

@@ -3,13 +3,14 @@
 
 #include "solvers/registry.h"
 #include "solvers/system.h"
+#include "solvers/turn.h"
 
 namespace xkl::core::solvers {
 
 struct dss_solution {
     enum progress { created, structured, ordered, factored };
 
-    std::mutex turn; // one call at a time
+    turns calls;
     progress state = created;
     bool single = false, refine = true;
     int64_t base = 1;

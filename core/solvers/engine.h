@@ -18,8 +18,8 @@
 
 namespace xkl::core::solvers {
 
-// An order that the engine finds itself: of minimum fill, which is found quickly, or by nested dissection, which
-// makes large factors cheaper.
+// An order that the engine finds itself: of minimum fill, which is found quickly, or by nested dissection,
+// which makes large factors cheaper.
 enum class own_ordering { none, minimum_fill, dissection };
 
 struct engine_options {

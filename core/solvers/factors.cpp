@@ -21,7 +21,7 @@ int32_t diagonals(void *const *pt, void *df, void *da, const int64_t *mnum, int6
         const auto found = pt ? handles().find(pt[0]) : nullptr;
         if (!found || !df || !da || !mnum || *mnum < 1)
             return XKL_PARDISO_INPUT_ERROR;
-        const handle_turn turn(*found);
+        const turn_at turn(found->calls);
         if (!turn.taken() || *mnum > static_cast<int64_t>(found->systems.size()))
             return XKL_PARDISO_INPUT_ERROR;
         const auto &system = found->systems[*mnum - 1];
@@ -39,7 +39,7 @@ void set_export(void *const *pt, void *values, int64_t *ia, int64_t *ja, const i
         const auto found = pt ? handles().find(pt[0]) : nullptr;
         if (!found || !step || (*step != 1 && *step != -1))
             return XKL_PARDISO_INPUT_ERROR;
-        const handle_turn turn(*found);
+        const turn_at turn(found->calls);
         if (!turn.taken())
             return XKL_PARDISO_INPUT_ERROR;
         if (*step == -1) {

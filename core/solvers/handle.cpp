@@ -62,8 +62,10 @@ void tell(const char *what, double seconds, const any_system &system)
 int64_t run_step(int which, any_system &system, const handle &owner, const request &call,
                  const steps &wanted)
 {
-    if (which == analysis)
+    if (which == analysis) {
+        call.iparm[bad_row] = 0;
         return call.ia && call.ja ? system.analyse(call) : XKL_PARDISO_INPUT_ERROR;
+    }
     if (!system.analysed || (which == solution && !system.factored) || call.n != system.form.rows ||
         call.mtype != system.form.mtype || call.single != system.form.single)
         return XKL_PARDISO_INPUT_ERROR;
@@ -115,7 +117,7 @@ int64_t release(const argument_list &arguments)
         const auto found = handles().find(arguments.pt[0]);
         if (!found)
             return XKL_PARDISO_INPUT_ERROR;
-        const handle_turn turn(*found);
+        const turn_at turn(found->calls);
         if (!turn.taken())
             return XKL_PARDISO_INPUT_ERROR;
         handles().remove(arguments.pt[0]);
@@ -123,11 +125,10 @@ int64_t release(const argument_list &arguments)
         return XKL_PARDISO_SUCCESS;
     }
     const auto found = handles().find(arguments.pt[0]);
-    if (!found || !arguments.mnum || *arguments.mnum < 1 ||
-        *arguments.mnum > static_cast<int64_t>(found->systems.size()))
+    if (!found || !arguments.mnum || *arguments.mnum < 1)
         return XKL_PARDISO_INPUT_ERROR;
-    const handle_turn turn(*found);
-    if (!turn.taken())
+    const turn_at turn(found->calls);
+    if (!turn.taken() || *arguments.mnum > static_cast<int64_t>(found->systems.size()))
         return XKL_PARDISO_INPUT_ERROR;
     if (const auto &system = found->systems[*arguments.mnum - 1])
         system->release_factors();
@@ -181,7 +182,7 @@ int64_t run_phases(const argument_list &arguments, elements form)
     const auto found = begins ? std::make_shared<handle>() : handles().find(arguments.pt[0]);
     if (!found)
         return XKL_PARDISO_INPUT_ERROR;
-    const handle_turn turn(*found);
+    const turn_at turn(found->calls);
     if (!turn.taken())
         return XKL_PARDISO_INPUT_ERROR;
     const int64_t error = run_on_handle(*found, arguments, call, *wanted);

@@ -98,7 +98,7 @@ int64_t store(void *const *pt, const char *folder)
     const auto found = pt ? handles().find(pt[0]) : nullptr;
     if (!found || !folder)
         return XKL_PARDISO_INPUT_ERROR;
-    const handle_turn turn(*found);
+    const turn_at turn(found->calls);
     if (!turn.taken())
         return XKL_PARDISO_INPUT_ERROR;
     const std::string path = path_in(folder), unfinished = path + "." + std::to_string(getpid());

@@ -261,7 +261,7 @@ class pairing {
 
 } // namespace
 
-bool structurally_regular(const pattern &a)
+int64_t unpaired_row(const pattern &a)
 {
     std::vector<bool> on_diagonal(a.n, false);
     bool complete = true;
@@ -271,7 +271,7 @@ bool structurally_regular(const pattern &a)
         complete = complete && on_diagonal[row];
     }
     if (complete)
-        return true;
+        return -1;
 
     std::vector<int64_t> start = a.start, column = a.column;
     if (a.triangle) {
@@ -292,8 +292,8 @@ bool structurally_regular(const pattern &a)
             pairs.take(row, row);
     for (int64_t row = 0; row < a.n; ++row)
         if (!on_diagonal[row] && !pairs.augment(row))
-            return false;
-    return true;
+            return row;
+    return -1;
 }
 
 } // namespace xkl::core::solvers

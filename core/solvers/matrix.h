@@ -65,9 +65,9 @@ struct graph {
 };
 graph graph_of(const pattern &a);
 
-// True when rows and columns can be paired through elements of the matrix, as they can for nearly all
-// values when the matrix is not singular.
-bool structurally_regular(const pattern &a);
+// The first row that finds no column of its own when rows and columns are paired through elements of the
+// matrix, from 0; -1 when all do, as they must unless the matrix is singular whatever its values are.
+int64_t unpaired_row(const pattern &a);
 
 template <class T>
 T conjugate_of(T value)

@@ -70,7 +70,8 @@ int64_t typed_system<T>::read_places(const request &call)
         call.iparm[bad_row] = static_cast<int64_t>(pattern_.start.size());
         return XKL_PARDISO_INPUT_ERROR;
     }
-    if (structurally_regular(pattern_))
+    call.iparm[bad_row] = unpaired_row(pattern_) + 1;
+    if (call.iparm[bad_row] == 0)
         return XKL_PARDISO_SUCCESS;
     return pattern_.diagonal_only() ? XKL_PARDISO_SINGULAR_DIAGONAL : XKL_PARDISO_PREORDERING_FAILED;
 }
@@ -411,8 +412,7 @@ int64_t typed_system<T>::restore(std::FILE *file)
     if (!complete || static_cast<int64_t>(order.size()) != pattern_.n || !is_permutation(order) ||
         !consistent(pattern_))
         return XKL_PARDISO_OUT_OF_CORE_IO;
-    const T *values = values_.empty() ? nullptr : values_.data();
-    if (const int64_t error = begin_engine(choose(), values))
+    if (const int64_t error = begin_engine(choose(), values_.empty() ? nullptr : values_.data()))
         return error;
     analysed = true;
     complement_.announce(schur_, unsymmetric(), form.base, nullptr);

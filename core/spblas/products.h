@@ -145,7 +145,7 @@ void apply_apart(const Storage &storage, const effects<T> &e, int64_t rows, cons
     const double work = storage.stored() * static_cast<double>(y.width);
     const bool worth = work >= loop_work_that_pays && storage.stored() >= 2. * static_cast<double>(rows);
     const int64_t threads = worth ? thread_count() : 1, size = rows * y.width;
-    const buffer<T> own((threads - 1) * size);
+    const buffer<T> own(threads - 1, size);
     if (threads == 1 || !own.enough())
         return apply_part<general, gathers, scatters>(storage, e, 0, 1, x, T(1), y);
     parallel_for(threads, XKL_DOMAIN_SPARSE, work / static_cast<double>(threads), [&](int64_t part) {

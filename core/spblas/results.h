@@ -73,7 +73,7 @@ template <class T, class Stage>
 bool with_marks(const sparse_result<T> &c, const Stage &stage)
 {
     const auto run = [&](int64_t parts) {
-        const buffer<int64_t> marks(parts * c.columns);
+        const buffer<int64_t> marks(parts, c.columns);
         if (marks.enough())
             parallel_for(parts, XKL_DOMAIN_SPARSE, c.work / static_cast<double>(parts), [&](int64_t part) {
                 int64_t *const own = marks.data() + part * c.columns;

@@ -195,14 +195,20 @@ void add_multiple(int64_t n, T a, const T *x, T *y)
         y[q] += product(a, x[q]);
 }
 
-/// Memory of the library's allocator for so long as the scope lasts; none when there is none left.
+/// Memory of the library's allocator for so long as the scope lasts; none when there is none left, or when
+/// so many elements have no size.
 template <class T>
 class buffer {
   public:
-    explicit buffer(int64_t count)
-        : data_(count > 0 ? static_cast<T *>(xkl_serv_malloc(sizeof(T) * count, 64)) : nullptr),
-          enough_(count <= 0 || data_)
+    explicit buffer(int64_t count, int64_t rows = 1)
     {
+        size_t bytes;
+        enough_ = count <= 0 || rows <= 0;
+        if (enough_ || __builtin_mul_overflow(count, rows, &bytes) ||
+            __builtin_mul_overflow(bytes, sizeof(T), &bytes))
+            return;
+        data_ = static_cast<T *>(xkl_serv_malloc(bytes, 64));
+        enough_ = data_ != nullptr;
     }
     ~buffer()
     {
@@ -217,7 +223,7 @@ class buffer {
     T &operator[](int64_t i) const { return data_[i]; }
 
   private:
-    T *data_;
+    T *data_ = nullptr;
     bool enough_;
 };
 

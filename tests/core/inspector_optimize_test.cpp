@@ -120,6 +120,25 @@ TEST(inspector_optimize, solves_go_by_groups)
     }
 }
 
+/// What stands beside the square has no row that a solve could wait for.
+TEST(inspector_optimize, rectangles_are_not_prepared_for_solves)
+{
+    constexpr int64_t cols = 50'000'000;
+    int64_t starts[] = {0, 2, 3}, columns[] = {0, cols - 1, 1};
+    double values[] = {1, 2, 3}, x[] = {1, 1}, y[] = {7, 7};
+    const matrix_descr upper{SPARSE_MATRIX_TYPE_TRIANGULAR, SPARSE_FILL_MODE_UPPER, SPARSE_DIAG_NON_UNIT};
+    sparse_matrix_t a = nullptr;
+    ASSERT_EQ(
+        xkl_sparse_d_create_csr(&a, SPARSE_INDEX_BASE_ZERO, 2, cols, starts, starts + 1, columns, values),
+        0);
+    for (const auto operation : {plain, turned}) {
+        ASSERT_EQ(xkl_sparse_set_sv_hint(a, operation, upper, 100), 0);
+        EXPECT_EQ(xkl_sparse_optimize(a), 0);
+        EXPECT_EQ(xkl_sparse_d_trsv(operation, 1, a, upper, x, y), SPARSE_STATUS_INVALID_VALUE);
+    }
+    EXPECT_EQ(xkl_sparse_destroy(a), 0);
+}
+
 /// One plan serves all that was announced for an operation, and later announcements replace it.
 TEST(inspector_optimize, announcements_for_one_operation_share_a_plan)
 {

@@ -223,6 +223,25 @@ TEST(kinds, matrices_from_the_field)
     }
 }
 
+// A file of places: four of its rows are alike, so that ones everywhere are singular, as nearly no other
+// values are.
+TEST(kinds, places_take_any_values)
+{
+    matrix<double> a = from_file("jgl009.mtx");
+    solver<double> s(a, 11);
+    ASSERT_EQ(s.run(11), 0);
+    EXPECT_EQ(s.run(22), XKL_PARDISO_ZERO_PIVOT);
+    for (const unsigned seed : {1u, 2u}) {
+        s.in.a = random_vector<double>(static_cast<int64_t>(s.in.a.size()), seed);
+        auto value = s.in.a.begin();
+        for (auto &element : a.elements)
+            element.second = *value++;
+        s.b = random_vector<double>(a.n, seed);
+        ASSERT_EQ(s.run(23), 0);
+        EXPECT_LT(backward_error(a, s.x, s.b), 20);
+    }
+}
+
 TEST(kinds, blocks)
 {
     // Blocks of order 2, stored by columns with indices from 1 and by rows with indices from 0.

@@ -11,6 +11,7 @@ namespace {
 
 int pivots_seen = 0;
 double last_threshold = 0;
+void (*on_pivot)() = nullptr;
 int64_t progress_calls = 0, stop_at = -1;
 
 } // namespace
@@ -20,6 +21,8 @@ extern "C" int xkl_pardiso_pivot(const double *, double *pivot, const double *th
 {
     ++pivots_seen;
     last_threshold = *threshold;
+    if (on_pivot)
+        on_pivot();
     *pivot = *threshold;
     return 1;
 }
@@ -143,6 +146,8 @@ TEST(protocol, singular_matrices)
             at = at->first.second == 3 ? no_column.elements.erase(at) : std::next(at);
         solver<double> structurally(no_column, 11);
         EXPECT_EQ(structurally.run(11), XKL_PARDISO_PREORDERING_FAILED);
+        EXPECT_GE(structurally.iparm[29], 1);
+        EXPECT_LE(structurally.iparm[29], m * m);
 
         matrix<double> same_rows = laplace<double>(m, 2);
         for (int64_t j = 0; j < m * m; ++j)
@@ -182,6 +187,13 @@ TEST(protocol, singular_matrices)
     solver<double> s(diagonal, -2);
     EXPECT_EQ(s.run(12), XKL_PARDISO_SINGULAR_DIAGONAL);
     EXPECT_EQ(s.iparm[29], 2);
+    diagonal.elements.erase({1, 1});
+    solver<double> missing(diagonal, 11);
+    EXPECT_EQ(missing.run(11), XKL_PARDISO_SINGULAR_DIAGONAL);
+    EXPECT_EQ(missing.iparm[29], 2);
+    missing.iparm[4] = 7; // an error that is about no row
+    EXPECT_EQ(missing.run(11), XKL_PARDISO_INPUT_ERROR);
+    EXPECT_EQ(missing.iparm[29], 0);
 }
 
 TEST(protocol, controls_that_are_not_carried_out)
@@ -289,6 +301,54 @@ TEST(protocol, refinement_repairs_what_changed_pivots_spoiled)
     ASSERT_EQ(s.run(33), 0);
     EXPECT_LE(s.iparm[6], 5);
     EXPECT_LT(backward_error(a, s.x, s.b), 5);
+}
+
+void *steps_handle = nullptr;
+int64_t pardiso_answer = 0, steps_answer = 0;
+solver<double> *solver_at_work = nullptr;
+
+// A routine of the program that turns to the solution which waits for it gets an error, and no deadlock.
+TEST(protocol, callbacks_get_no_turn)
+{
+    matrix<double> exchange;
+    exchange.n = 2;
+    exchange(0, 0) = exchange(1, 1) = 0;
+    exchange(0, 1) = exchange(1, 0) = 1;
+    const int64_t none = 0, one = 1, symmetric = XKL_DSS_SYMMETRIC, automatic = XKL_DSS_AUTO_ORDER,
+                  indefinite = XKL_DSS_INDEFINITE, forward = XKL_DSS_FORWARD_SOLVE, elements = 3;
+    solver<double> s(exchange, -2);
+    s.iparm[55] = 1;
+    const rows<double> &in = s.in;
+    ASSERT_EQ(dss_create(&steps_handle, &none), 0);
+    ASSERT_EQ(
+        dss_define_structure(&steps_handle, &symmetric, in.ia.data(), &s.n, &s.n, in.ja.data(), &elements),
+        0);
+    ASSERT_EQ(dss_reorder(&steps_handle, &automatic, nullptr), 0);
+    ASSERT_EQ(dss_factor_real_d(&steps_handle, &indefinite, in.a.data()), 0);
+    solver_at_work = &s;
+    on_pivot = [] {
+        const int64_t nothing = 0;
+        double values[1];
+        pardiso_answer = solver_at_work->run(0);
+        steps_answer = dss_statistics(&steps_handle, &nothing, "Peakmem", values);
+    };
+    double b[] = {1, 2}, x[2];
+    ASSERT_EQ(s.run(11), 0);
+    ASSERT_EQ(s.run(22), 0);
+    EXPECT_EQ(pardiso_answer, XKL_PARDISO_INPUT_ERROR);
+    EXPECT_EQ(steps_answer, XKL_DSS_SUCCESS) << "another solution";
+    // Parts need factors without exchanges, which this matrix has none of.
+    EXPECT_EQ(dss_solve_real_d(&steps_handle, &forward, b, &one, x), XKL_DSS_FAILURE);
+    EXPECT_EQ(steps_answer, XKL_DSS_STATE_ERR);
+    on_pivot = [] {
+        const int64_t nothing = 0;
+        steps_answer = dss_delete(&steps_handle, &nothing);
+    };
+    EXPECT_EQ(dss_solve_real_d(&steps_handle, &forward, b, &one, x), XKL_DSS_FAILURE);
+    EXPECT_EQ(steps_answer, XKL_DSS_STATE_ERR);
+    on_pivot = nullptr;
+    EXPECT_EQ(dss_solve_real_d(&steps_handle, &none, b, &one, x), 0);
+    EXPECT_EQ(dss_delete(&steps_handle, &none), 0);
 }
 
 TEST(protocol, progress_can_stop_a_solution)

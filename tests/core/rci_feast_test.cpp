@@ -3,6 +3,7 @@
 #include "element_types.h"
 
 #include "xkl_lapack.h"
+#include "xkl_service.h"
 #include "xkl_solvers.h"
 
 #include <gtest/gtest.h>
@@ -326,6 +327,11 @@ TEST_F(feast_control, says_how_it_ended)
     r = outcome<double>(n, 5, 0.9, 2.1);
     run(r);
     EXPECT_EQ(r.info, 3) << "more eigenvalues than the subspace holds";
+    r = outcome<double>(n, n / 2, 3.9973, 3.9974);
+    run(r);
+    EXPECT_EQ(r.info, 0) << "more room than the filter leaves directions";
+    EXPECT_EQ(r.m, 1);
+    EXPECT_LT(r.m0, n / 2);
     r = outcome<double>(n, 5, 5.0, 6.0);
     run(r);
     EXPECT_EQ(r.info, 1) << "nothing lies there";
@@ -334,6 +340,24 @@ TEST_F(feast_control, says_how_it_ended)
     r.fpm[13] = 1;
     run(r);
     EXPECT_EQ(r.info, 4);
+}
+
+/// The projected problem of such a B does not reach routines that would report bad arguments.
+TEST_F(feast_control, notices_a_matrix_b_that_is_negative)
+{
+    static int reports;
+    reports = 0;
+    const xkl_xerbla_handler before =
+        xkl_set_xerbla([](const char *, const int64_t *, int64_t) { ++reports; });
+    std::vector<double> b(n * n);
+    for (int64_t i = 0; i < n; ++i)
+        b[i * (n + 1)] = -1;
+    outcome<double> r(n, 30, 0.9, 2.1);
+    dfeast_sygv(&full, &n, a.data(), &n, b.data(), &n, r.fpm.data(), &r.epsout, &r.loop, &r.emin, &r.emax,
+                &r.m0, r.e.data(), r.x.data(), &r.m, r.res.data(), &r.info);
+    EXPECT_EQ(r.info, -3);
+    xkl_set_xerbla(before);
+    EXPECT_EQ(reports, 0);
 }
 
 TEST_F(feast_control, refuses_what_it_cannot_do)

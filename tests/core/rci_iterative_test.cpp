@@ -332,10 +332,14 @@ TEST(incomplete_factors, tell_what_is_wrong)
                      ipar.data(), dpar.data(), &error);
         return error;
     };
-    sparse_system good = grid(2), unordered = good, outside = good, zero = good, hollow;
+    sparse_system good = grid(2), unordered = good, outside = good, zero = good, falling = good,
+                  from_zero = good, hollow;
     std::swap(unordered.ja[0], unordered.ja[1]);
     outside.ja[1] = 9;
     zero.a[0] = 0;
+    falling.ia[2] = -5;
+    for (int64_t &start : from_zero.ia)
+        --start;
     hollow.add(1, 1.0);
     hollow.end_row();
     hollow.add(0, 1.0);
@@ -346,6 +350,8 @@ TEST(incomplete_factors, tell_what_is_wrong)
         EXPECT_EQ(error_of(outside, threshold), -107);
         EXPECT_EQ(error_of(zero, threshold), -102);
         EXPECT_EQ(error_of({}, threshold), -105);
+        EXPECT_EQ(error_of(falling, threshold), -101);
+        EXPECT_EQ(error_of(from_zero, threshold), -107);
         EXPECT_EQ(error_of(zero, threshold, 0.1, 1, 1, 0.2, 2.0), 0) << "replaced";
     }
     EXPECT_EQ(error_of(hollow, false), -101);

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <functional>
 #include <numbers>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -229,6 +230,37 @@ TEST(bounded_least_squares, rest_on_the_bounds)
     x = {5, 5}; // outside: begins at the bounds
     solve(rosenbrock, x, &lower, &upper);
     EXPECT_NEAR(x[1], 0.25, 1e-8);
+}
+
+/// |A x - b| in a box: at the end each variable has a slope of zero, or is pushed against its bound.
+TEST(bounded_least_squares, linear_ones_end_where_no_way_leads_down)
+{
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> uniform(-2, 2);
+    for (int64_t trial = 0; trial < 400; ++trial) {
+        const int64_t n = 1 + trial % 5, m = n + trial % 4;
+        values a(m * n), b(m), x(n), f(m);
+        for (values *each : {&a, &b, &x})
+            for (double &value : *each)
+                value = uniform(random);
+        const problem p{"linear", m, x, 0, [&](const double *at, double *result) {
+                            for (int64_t i = 0; i < m; ++i) {
+                                result[i] = -b[i];
+                                for (int64_t j = 0; j < n; ++j)
+                                    result[i] += a[j * m + i] * at[j];
+                            }
+                        }};
+        const values lower(n, -1), upper(n, 1);
+        solve(p, x, &lower, &upper);
+        p.function(x.data(), f.data());
+        for (int64_t j = 0; j < n; ++j) {
+            double slope = 0;
+            for (int64_t i = 0; i < m; ++i)
+                slope += a[j * m + i] * f[i];
+            const bool held = x[j] == lower[j] ? slope > 0 : x[j] == upper[j] && slope < 0;
+            EXPECT_TRUE(held || std::abs(slope) < 1e-4) << trial << ": " << slope << " at " << x[j];
+        }
+    }
 }
 
 TEST(least_squares_handle, tells_why_it_ends)
