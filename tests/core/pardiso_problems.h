@@ -117,9 +117,9 @@ matrix<T> magnetic(int64_t m, double shift)
 // A matrix in Matrix Market form; one that has places only gets the value 1 everywhere.
 inline matrix<double> from_file(const std::string &name)
 {
-    std::ifstream file(std::string(XKL_TEST_DATA) + "/" + name);
+    std::ifstream file(XKL_TEST_DATA "/" + name);
     if (!file)
-        file.open(std::string(XKL_EXAMPLE_DATA) + "/" + name);
+        file.open(XKL_EXAMPLE_DATA "/" + name);
     EXPECT_TRUE(file) << name;
     std::string line, banner;
     std::getline(file, banner);
