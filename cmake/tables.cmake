@@ -58,41 +58,21 @@ function(xkl_generate output command)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHAPES;VML;SETTINGS;FFTW;TEMPLATE;OPTION"
       "TABLES;PROVIDERS;LAPACKE;VSL")
   set(words ${command} -o ${output})
-  if(arg_TABLES)
-    list(APPEND words --tables ${arg_TABLES})
-  endif()
-  if(arg_SHAPES)
-    list(APPEND words --shapes ${arg_SHAPES})
-  endif()
-  if(arg_PROVIDERS)
-    list(APPEND words --providers ${arg_PROVIDERS})
-  endif()
-  if(arg_VML)
-    list(APPEND words --vml ${arg_VML})
-  endif()
-  if(arg_SETTINGS)
-    list(APPEND words --settings ${arg_SETTINGS})
-  endif()
-  if(arg_FFTW)
-    list(APPEND words --fftw ${arg_FFTW})
-  endif()
-  if(arg_TEMPLATE)
-    list(APPEND words --template ${arg_TEMPLATE})
-  endif()
-  if(arg_LAPACKE)
-    list(APPEND words --lapacke ${arg_LAPACKE})
-  endif()
-  if(arg_VSL)
-    list(APPEND words --vsl ${arg_VSL})
-  endif()
-  if(arg_OPTION)
-    list(APPEND words --option ${arg_OPTION})
+  foreach(kind TABLES SHAPES PROVIDERS VML SETTINGS FFTW TEMPLATE LAPACKE VSL OPTION)
+    if(arg_${kind})
+      string(TOLOWER ${kind} option)
+      list(APPEND words --${option} ${arg_${kind}})
+    endif()
+  endforeach()
+  set(read ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE} ${arg_VML} ${arg_SETTINGS} ${arg_VSL} ${arg_FFTW}
+      ${arg_TEMPLATE})
+  if(IS_ABSOLUTE "${arg_OPTION}") # a header whose constants are printed
+    list(APPEND read ${arg_OPTION})
   endif()
   add_custom_command(
     OUTPUT ${output}
     COMMAND tablegen ${words}
-    DEPENDS tablegen ${arg_TABLES} ${arg_SHAPES} ${arg_PROVIDERS} ${arg_LAPACKE} ${arg_VML} ${arg_SETTINGS} ${arg_VSL}
-            ${arg_FFTW} ${arg_TEMPLATE}
+    DEPENDS tablegen ${read}
     COMMENT "tablegen ${command}"
     VERBATIM)
 endfunction()

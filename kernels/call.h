@@ -4,6 +4,7 @@
 
 #include "xkl_vml_types.h"
 
+#include <cerrno>
 #include <immintrin.h>
 
 namespace xkl::kernels {
@@ -30,13 +31,15 @@ struct thread_settings {
 
 class call {
   public:
-    explicit call(const char *name) noexcept : name_(name), settings_(settings_of_thread())
+    explicit call(const char *name) noexcept
+        : name_(name), settings_(settings_of_thread()), errno_before_(errno)
     {
         if (settings_.mode & VML_FTZDAZ_MASK) [[unlikely]]
             set_denormals();
     }
     ~call()
     {
+        errno = errno_before_; // the C library's functions may have set it, in any mode
         if (worst_ != fine) [[unlikely]]
             conclude();
         if (denormals_set_) [[unlikely]]
@@ -69,6 +72,7 @@ class call {
 
     const char *name_;
     thread_settings &settings_;
+    int errno_before_;
     int64_t block_ = 0;
     int64_t worst_index_ = 0; // the first element of that status
     status worst_ = fine;     // the smallest status found

@@ -66,6 +66,9 @@ std::string interoperable(std::string type)
                                                              {"real(8)", "real(c_double)"},
                                                              {"complex(4)", "complex(c_float_complex)"},
                                                              {"complex(8)", "complex(c_double_complex)"}};
+    const std::string plain_character = "character,";
+    if (type.starts_with(plain_character))
+        return "character(c_char)," + type.substr(plain_character.size());
     const auto end = type.find(')') + 1;
     const auto found = kinds.find(type.substr(0, end));
     return found == kinds.end() ? type : found->second + type.substr(end);

@@ -73,6 +73,9 @@ class fronts final : public engine<T> {
 template <class T, class R>
 int64_t fronts<T, R>::run(int job)
 {
+    constexpr int beginning = -1;
+    if (!begun_ && job != beginning) // it was stopped
+        return XKL_PARDISO_INTERNAL_ERROR;
     // In this order: who waits for a turn at the kernels must not keep another one, which has its turn,
     // waiting.
     const kernel_turn turn;
