@@ -25,7 +25,7 @@ vdExp void vmdExpI_64(
 vmlSetMode return SetMode(*mode);
 vdRngGaussian return generate<vdRngGaussian_row>(method,
 vsldConvExec1D return exec_1d<task_kind::convolution, 'd'>(task,
-fftwf_plan_dft_1d xkl::fftw::plan_dft_1d<float>(n,
+fftwf_plan_dft_1d xkl::fftw::plan_dft<float>(1,
 END
 if "$tablegen" show --option dgemmm "$@" 2>/dev/null; then
     echo "shown for dgemmm, which no table has"
