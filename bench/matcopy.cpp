@@ -1,5 +1,5 @@
-// How fast matrices are turned, in GB/s read and written, on one thread and on all, beside copies of as many
-// bytes by memcpy on as many threads, which is what the machine can do; and nanoseconds of small ones.
+// How fast matrices are turned, in GB/s read and written, on one thread and on all, beside copies by memcpy
+// on as many threads: of as many bytes, which caches may hold, and of memory; and nanoseconds of small ones.
 // usage: bench_matcopy [OPENBLAS_SHARED_LIBRARY]
 #include "xkl.h"
 
@@ -115,8 +115,19 @@ double best_of(int rounds, const std::function<void()> &call)
     return best;
 }
 
+/// The machine's copies of memory, in GB/s
+double memory_copies(int threads)
+{
+    constexpr std::size_t elements = std::size_t{1} << 24;
+    const matrix_pair m(elements);
+    double best = 1e9;
+    for (int count = 1; count <= threads; ++count)
+        best = std::min(best, best_copy(m, elements * 8, count, 10));
+    return 2e-9 * static_cast<double>(elements * 8) / best;
+}
+
 /// Theirs runs on one thread, whatever their library's count is.
-void compare_turning(int64_t n, int threads, their_copy *theirs)
+void compare_turning(int64_t n, int threads, double of_memory, their_copy *theirs)
 {
     constexpr int phases = 5;
     const std::size_t elements = static_cast<std::size_t>(n) * static_cast<std::size_t>(n),
@@ -137,9 +148,9 @@ void compare_turning(int64_t n, int threads, their_copy *theirs)
                              }));
     }
     const double gigabytes = 2e-9 * static_cast<double>(bytes);
-    std::printf("turning %5ld x %-5ld on %d %8.1f GB/s   memcpy %8.1f GB/s   %3.0f %%",
+    std::printf("turning %5ld x %-5ld on %d %8.1f GB/s   memcpy %8.1f GB/s   %3.0f %%   of memory %3.0f %%",
                 static_cast<long>(n), static_cast<long>(n), threads, gigabytes / ours, gigabytes / copy,
-                100 * copy / ours);
+                100 * copy / ours, 100 * gigabytes / ours / of_memory);
     if (theirs)
         std::printf("   OpenBLAS %6.1f GB/s", gigabytes / other);
     std::printf("\n");
@@ -169,8 +180,10 @@ int main(int argc, char **argv)
         time_small(n);
     for (int count = 1;; count = threads) {
         XKL_Set_Num_Threads(count);
+        const double of_memory = memory_copies(count);
+        std::printf("copies of memory on %d %18.1f GB/s\n", count, of_memory);
         for (const int64_t n : {512, 528, 1000, 1024, 2001, 2048, 4096})
-            compare_turning(n, count, theirs);
+            compare_turning(n, count, of_memory, theirs);
         if (count == threads)
             return 0;
     }
