@@ -120,7 +120,7 @@ typedef int32_t (*xkl_progress_handler)(const int64_t *thread, const int64_t *st
                                         int64_t length);
 
 /* May change a small pivot: gets the matrix's own element, the pivot, the threshold; returns 1 if it did. */
-typedef int32_t (*xkl_pivot_handler)(const double *pivot, double *replaced, const double *threshold);
+typedef int32_t (*xkl_pivot_handler)(const double *diagonal, double *pivot, const double *threshold);
 
 /* Tells whether an eigenvalue is selected, from its parts: (re, im) or (w) for one matrix, (alphar, alphai,
  * beta) or (alpha, beta) for a pair, all by address. The result is a logical, as wide as an integer. */
