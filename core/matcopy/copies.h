@@ -43,10 +43,10 @@ template <class T>
 [[gnu::always_inline]] inline void turn_two(const T *one, const T *other, block<T> b, size_t length)
 {
     using bits = std::conditional_t<sizeof(T) == 8, double, float>; // moved, never computed with
+    typedef bits single __attribute__((may_alias));
     typedef bits pair __attribute__((vector_size(2 * sizeof(bits)), aligned(sizeof(bits)), may_alias));
-    const bits *const first = reinterpret_cast<const bits *>(one), *const second =
-                                                                       reinterpret_cast<const bits *>(
-                                                                           other);
+    const single *const first = reinterpret_cast<const single *>(one);
+    const single *const second = reinterpret_cast<const single *>(other);
     for (size_t j = 0; j < length; ++j)
         *reinterpret_cast<pair *>(b.first + j * b.ld) = pair{first[j], second[j]};
 }
