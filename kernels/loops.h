@@ -3,7 +3,9 @@
 // A function is an object F with
 //   value<Accuracy>(pack...)             the results of one pack, no matter what its lanes hold
 // and, if an element can have an error or needs to be put right, one of
-//   harmless                             the largest magnitude of an argument that never does
+//   harmless                             the largest magnitude of an argument that never does; perhaps with
+//                                        quick_up_to and quick<Accuracy>(pack): a faster road for arguments up
+//                                        to there, where less than high accuracy is wanted
 //   suspicious_arguments(pack...)        the lanes that may, a bit each: cheap; may name too many, never too few
 //   suspicious(pack..., results)         the same, as a mask, where the arguments alone don't tell
 // and
@@ -186,21 +188,42 @@ template <accuracy A, class F, class Results, class T, class... Ts>
 
 constexpr int packs_at_once = 4;
 
+/// The largest magnitude of an argument for which results need no look, and come from the quick road
+template <accuracy A, class F>
+constexpr auto quick_bound()
+{
+    if constexpr (requires { F::quick_up_to; })
+        return A == accuracy::high ? F::harmless : F::quick_up_to;
+    else
+        return F::harmless;
+}
+
 /// Whether a lane of the next packs_at_once packs is suspicious
-template <class F, class T, class... Ts>
+template <accuracy A, class F, class T, class... Ts>
 XKL_HOT bool any_suspicious(const F &f, const T *a, const Ts *...others)
 {
     constexpr int width = lanes<real<T>>;
     static_assert(packs_at_once == 4);
-    if constexpr (requires { F::harmless; })
-        return any_beyond(load(a), load(a + width), F::harmless) |
-               any_beyond(load(a + 2 * width), load(a + 3 * width), F::harmless);
-    else {
+    if constexpr (requires { F::harmless; }) {
+        constexpr auto bound = quick_bound<A, F>();
+        return any_beyond(load(a), load(a + width), bound) |
+               any_beyond(load(a + 2 * width), load(a + 3 * width), bound);
+    } else {
         const auto lanes_of_pack = [&](int k) {
             return suspicious_lanes(f, load(a + k * width), load(others + k * width)...);
         };
         return (lanes_of_pack(0) | lanes_of_pack(1) | lanes_of_pack(2) | lanes_of_pack(3)) != 0;
     }
+}
+
+/// The results of a pack none of whose lanes is suspicious
+template <accuracy A, class F, class... X>
+XKL_HOT auto quick_value(const F &f, X... x)
+{
+    if constexpr (requires { f.template quick<A>(x...); })
+        return f.template quick<A>(x...);
+    else
+        return f.template value<A>(x...);
 }
 
 template <accuracy A, class F, class Results, class T, class... Ts>
@@ -211,12 +234,12 @@ void run(call &c, const F &f, int64_t n, const Results &r, const T *a, const Ts 
         constexpr int width = lanes<real<T>>, step = packs_at_once * width;
         const Results results = r; // which a base library can't change
         for (; i + step <= n; i += step) {
-            if (any_suspicious(f, a + i, (others + i)...)) [[unlikely]]
+            if (any_suspicious<A>(f, a + i, (others + i)...)) [[unlikely]]
                 run_packs<A>(c, f, i, i + step, results, a, others...);
             else
 #pragma GCC unroll 4
                 for (int64_t k = i; k < i + step; k += width)
-                    results.put(k, f.template value<A>(load(a + k), load(others + k)...));
+                    results.put(k, quick_value<A>(f, load(a + k), load(others + k)...));
         }
     }
     if (i < n)

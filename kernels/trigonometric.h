@@ -24,55 +24,64 @@ struct of_angle {
     }
 };
 
-/// Of the two libraries of 4 ULP the one that is faster: C's for doubles in narrow registers, but not for
-/// large angles, which it computes one at a time.
-template <class V, class C, class Sleef>
-XKL_HOT V low_accuracy(V a, [[maybe_unused]] element<V> large, [[maybe_unused]] const C &from_c,
-                       const Sleef &from_sleef)
-{
-    if constexpr (sizeof(element<V>) == 8 && register_bytes < 64)
-        if (!any(absolute(a) > large)) [[likely]]
-            return from_c(a);
-    return from_sleef(a);
-}
+/// Of the two libraries of 4 ULP the one that is faster: C's for doubles, but not for large angles, which it
+/// computes one at a time.
+template <class R, class From>
+struct circular_function : of_angle<R> {
+    static constexpr bool c_is_faster = sizeof(R) == 8;
+    static constexpr R quick_up_to = c_is_faster ? R(From::large_for_c) : limits<R>::largest;
 
-template <class R>
-struct sin_function : of_angle<R> {
+    template <accuracy A>
+    XKL_HOT vec<R> quick(vec<R> a) const
+    {
+        if constexpr (A == accuracy::high)
+            return From::sleef_1ulp(a);
+        else if constexpr (c_is_faster)
+            return From::c(a);
+        else
+            return From::sleef_4ulp(a);
+    }
     template <accuracy A>
     XKL_HOT vec<R> value(vec<R> a) const
     {
-        if constexpr (A == accuracy::high)
-            return sleef::sin_u10(a);
-        else
-            return low_accuracy(
-                a, R(1e7), [](auto x) { return glibc::sin(x); }, [](auto x) { return sleef::sin_u35(x); });
+        if constexpr (A != accuracy::high && c_is_faster)
+            if (which_are<above>(absolute(a), quick_up_to)) [[unlikely]]
+                return From::sleef_4ulp(a);
+        return quick<A>(a);
     }
 };
 
+struct sine {
+    static constexpr double large_for_c = 1e7;
+    XKL_HOT static auto sleef_1ulp(auto a) { return sleef::sin_u10(a); }
+    XKL_HOT static auto sleef_4ulp(auto a) { return sleef::sin_u35(a); }
+    XKL_HOT static auto c(auto a) { return glibc::sin(a); }
+};
 template <class R>
-struct cos_function : of_angle<R> {
-    template <accuracy A>
-    XKL_HOT vec<R> value(vec<R> a) const
-    {
-        if constexpr (A == accuracy::high)
-            return sleef::cos_u10(a);
-        else
-            return low_accuracy(
-                a, R(1e7), [](auto x) { return glibc::cos(x); }, [](auto x) { return sleef::cos_u35(x); });
-    }
+struct sin_function : circular_function<R, sine> {
 };
 
+struct cosine {
+    static constexpr double large_for_c = 1e7;
+    XKL_HOT static auto sleef_1ulp(auto a) { return sleef::cos_u10(a); }
+    XKL_HOT static auto sleef_4ulp(auto a) { return sleef::cos_u35(a); }
+    XKL_HOT static auto c(auto a) { return glibc::cos(a); }
+};
 template <class R>
-struct tan_function : of_angle<R> {
-    template <accuracy A>
-    XKL_HOT vec<R> value(vec<R> a) const
+struct cos_function : circular_function<R, cosine> {
+};
+
+struct tangent {
+    static constexpr double large_for_c = 1e5;
+    XKL_HOT static auto sleef_1ulp(auto a)
     {
-        if constexpr (A == accuracy::high)
-            return small_as_they_are(a, [](auto x) { return sleef::tan_u10(x); });
-        else
-            return low_accuracy(
-                a, R(1e5), [](auto x) { return glibc::tan(x); }, [](auto x) { return sleef::tan_u35(x); });
+        return small_as_they_are(a, [](auto x) { return sleef::tan_u10(x); });
     }
+    XKL_HOT static auto sleef_4ulp(auto a) { return sleef::tan_u35(a); }
+    XKL_HOT static auto c(auto a) { return glibc::tan(a); }
+};
+template <class R>
+struct tan_function : circular_function<R, tangent> {
 };
 
 template <class R>
