@@ -1,9 +1,10 @@
 // Aligned memory with statistics, a peak and a limit. Every block carries its size and alignment in front
 // of it, so that the statistics are exact and a resized block keeps its alignment. Freed blocks go back to
-// the C library at once; it keeps them for the next request, and xkl_serv_free_buffers makes it give them
-// back to the system.
+// the C library at once, but for a few small ones that wait for the thread's next request; it keeps them,
+// and xkl_serv_free_buffers makes it give them back to the system.
 #include "service/messages.h"
 #include "service/service_entries.h"
+#include "service/small_blocks.h"
 #include "xkl_service_types.h"
 
 #include <algorithm>
@@ -14,6 +15,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <malloc.h>
+
+using xkl::core::small_blocks;
+using xkl::core::small_blocks_of_thread;
 
 namespace {
 
@@ -86,7 +90,9 @@ void *allocate_block(size_t size, size_t alignment)
     static_assert(alignof(std::max_align_t) >= sizeof(block_header));
     if (size > static_cast<size_t>(PTRDIFF_MAX) - alignment || !count_allocation(size))
         return nullptr;
-    auto *const start = static_cast<char *>(std::malloc(size + alignment));
+    const size_t needed = size + alignment;
+    auto *const start = static_cast<char *>(needed <= small_blocks::size ? small_blocks_of_thread().get()
+                                                                         : std::malloc(needed));
     if (!start) {
         uncount_allocation(size);
         return nullptr;
@@ -134,7 +140,11 @@ void xkl_serv_free(void *block)
     block_header *header = header_of(block);
     header->mark = freed_mark;
     uncount_allocation(header->size);
-    std::free(static_cast<char *>(block) - header->offset);
+    void *const start = static_cast<char *>(block) - header->offset;
+    if (header->size + header->alignment() <= small_blocks::size)
+        small_blocks_of_thread().put(start);
+    else
+        std::free(start);
 }
 
 // As the C library's: a failure leaves the old block as it was, size 0 frees it.
@@ -169,11 +179,13 @@ void xkl_serv_deallocate(void *block)
 
 void xkl_serv_free_buffers(void)
 {
+    small_blocks_of_thread().release();
     malloc_trim(0);
 }
 
 void xkl_serv_thread_free_buffers(void)
 {
+    small_blocks_of_thread().release();
     malloc_trim(0);
 }
 

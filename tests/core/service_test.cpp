@@ -10,7 +10,9 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <malloc.h>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -157,6 +159,37 @@ TEST(Memory, AlignedBlocksOfExactSizeAreCounted)
     xkl_serv_free_buffers();
     EXPECT_EQ(xkl_serv_mem_stat(&now), bytes);
     EXPECT_EQ(now, before);
+}
+
+TEST(Memory, SmallBlocksWaitForTheirThreadAndEndWithIt)
+{
+    void *const first = xkl_serv_malloc(100, 16);
+    xkl_serv_free(first);
+    for (const int alignment : {128, 16, 256}) {
+        void *const next = xkl_serv_malloc(200, alignment);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(next) % static_cast<uintptr_t>(alignment), 0u);
+        std::memset(next, 1, 200);
+        xkl_serv_free(next);
+    }
+    const auto in_use = [] { return mallinfo2().uordblks; };
+    if (in_use() == 0)
+        GTEST_SKIP() << "a sanitizer's allocator does not tell what is in use";
+    const auto use_some = [] {
+        void *blocks[20];
+        for (void *&each : blocks)
+            each = xkl_serv_malloc(64, 64);
+        for (void *each : blocks)
+            xkl_serv_free(each);
+    };
+    std::thread(use_some).join();
+    const size_t before = in_use();
+    for (int i = 0; i < 100; ++i)
+        std::thread(use_some).join();
+    EXPECT_LT(in_use(), before + 100 * 512); // less than one block of each thread is left
+    use_some();
+    const size_t kept = in_use();
+    xkl_serv_thread_free_buffers();
+    EXPECT_LT(in_use(), kept);
 }
 
 TEST(Memory, ImpossibleSizesAreNullAndLeaveNoTrace)
