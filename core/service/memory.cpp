@@ -40,6 +40,8 @@ std::atomic<int64_t> bytes_in_use{0};
 std::atomic<int> blocks_in_use{0};
 // Written by xkl_serv_set_memory_limit: bytes, INT64_MAX for no limit.
 std::atomic<int64_t> byte_limit{INT64_MAX};
+// Written by xkl_serv_disable_fast_mm, once: false.
+std::atomic<bool> keeps_small_blocks{true};
 // Written by xkl_serv_peak_mem_usage and, while measuring, by every allocation.
 std::atomic<bool> measuring_peak{false};
 std::atomic<int64_t> peak_bytes{0};
@@ -141,7 +143,8 @@ void xkl_serv_free(void *block)
     header->mark = freed_mark;
     uncount_allocation(header->size);
     void *const start = static_cast<char *>(block) - header->offset;
-    if (header->size + header->alignment() <= small_blocks::size)
+    const bool small = header->size + header->alignment() <= small_blocks::size;
+    if (small && keeps_small_blocks.load(std::memory_order_relaxed))
         small_blocks_of_thread().put(start);
     else
         std::free(start);
@@ -215,9 +218,11 @@ int64_t xkl_serv_peak_mem_usage(int mode)
     }
 }
 
-// The library keeps no freed memory of its own, so that there is nothing to switch off: 1, done.
+// What other threads keep goes with their next requests. 1: done.
 int xkl_serv_disable_fast_mm(void)
 {
+    keeps_small_blocks.store(false, std::memory_order_relaxed);
+    small_blocks_of_thread().release();
     return 1;
 }
 
