@@ -28,7 +28,7 @@ bool write(std::FILE *file, const std::vector<T> &values)
 {
     const int64_t count = static_cast<int64_t>(values.size());
     return write(file, count) &&
-           std::fwrite(values.data(), sizeof(T), values.size(), file) == values.size();
+           (count == 0 || std::fwrite(values.data(), sizeof(T), values.size(), file) == values.size());
 }
 
 int64_t bytes_left(std::FILE *file);
@@ -40,7 +40,7 @@ bool read(std::FILE *file, std::vector<T> &values)
     if (!read(file, count) || count < 0 || count > bytes_left(file) / static_cast<int64_t>(sizeof(T)))
         return false;
     values.resize(count);
-    return std::fread(values.data(), sizeof(T), values.size(), file) == values.size();
+    return count == 0 || std::fread(values.data(), sizeof(T), values.size(), file) == values.size();
 }
 
 // Whether the places are those of a matrix, with columns in ascending order.
