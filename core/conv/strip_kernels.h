@@ -99,7 +99,7 @@ struct tile {
                                          int64_t last)
     {
         using integer = typename unit::integer;
-        integers lane;
+        integers lane{};
         for (int k = 0; k < unit::count; ++k)
             lane[k] = k;
         const R re = *a;
